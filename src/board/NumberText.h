@@ -1,0 +1,12 @@
+#pragma once
+// Reading the number at the start of a text, the way tokens and dynamic values are read.
+
+#include <string_view>
+
+namespace ostrel::board {
+
+// The longest number at the start of the text after leading blanks (sign, digits, an optional
+// fraction and exponent); 0 when there is none. Never reads beyond the view.
+double leadingNumber(std::string_view text);
+
+}  // namespace ostrel::board

@@ -1,0 +1,53 @@
+#include "ostrel/Variant.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "board/NumberText.h"
+
+namespace ostrel {
+
+std::string Variant::toString() const {
+  struct Visitor {
+    std::string operator()(std::monostate) const { return {}; }
+    std::string operator()(bool b) const { return b ? "True" : "False"; }
+    std::string operator()(int64_t i) const { return std::to_string(i); }
+    std::string operator()(double d) const {
+      char buffer[64];
+      auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, d);
+      return ec == std::errc() ? std::string(buffer, end) : std::string();
+    }
+    std::string operator()(const std::string& s) const { return s; }
+  };
+  return std::visit(Visitor{}, value_);
+}
+
+bool Variant::toBool() const {
+  struct Visitor {
+    bool operator()(std::monostate) const { return false; }
+    bool operator()(bool b) const { return b; }
+    bool operator()(int64_t i) const { return i != 0; }
+    bool operator()(double d) const { return d != 0; }
+    bool operator()(const std::string& s) const {
+      std::string lower;
+      for (char c : s) lower += static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+      if (lower == "true") return true;
+      return board::leadingNumber(s) != 0;
+    }
+  };
+  return std::visit(Visitor{}, value_);
+}
+
+double Variant::leadingNumber() const {
+  struct Visitor {
+    double operator()(std::monostate) const { return 0; }
+    double operator()(bool b) const { return b ? -1 : 0; }
+    double operator()(int64_t i) const { return static_cast<double>(i); }
+    double operator()(double d) const { return d; }
+    double operator()(const std::string& s) const { return board::leadingNumber(s); }
+  };
+  return std::visit(Visitor{}, value_);
+}
+
+}  // namespace ostrel

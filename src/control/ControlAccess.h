@@ -1,0 +1,10 @@
+#pragma once
+// The control's member record behind the facade, for the library's own code and its tests.
+
+#include "control/ControlState.h"
+
+namespace ostrel {
+
+ControlState& controlState(ctlBoard& board);
+
+}  // namespace ostrel

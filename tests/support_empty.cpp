@@ -1,0 +1,1 @@
+// The support library needs one source while no helper exists yet.
