@@ -93,7 +93,7 @@ class HeadlessPlatform : public Platform {
   const Label* frame_ = nullptr;
   const Label* status_ = nullptr;
   const Label* progress_ = nullptr;
-  std::unique_ptr<Context> context_;
+  std::shared_ptr<Context> context_;  // shared_ptr: the type is complete only in the graphics half
 };
 
 }  // namespace ostrel
