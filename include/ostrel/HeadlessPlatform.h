@@ -19,14 +19,14 @@ struct HeadlessOptions {
   std::string appPath;  // empty: the folder that holds the shipped models/
   int32_t screenWidthMm = 508, screenHeightMm = 286;            // HORZSIZE, VERTSIZE
   int32_t screenWidthPixels = 1920, screenHeightPixels = 1080;  // HORZRES, VERTRES
-  bool direct3DAvailable = true;      // false: Direct3DCreate gives none
-  int32_t checkDeviceTypeResult = 0;  // what CheckDeviceType answers
+  bool direct3DAvailable = true;                                // false: Direct3DCreate gives none
+  int32_t checkDeviceTypeResult = 0;                            // what CheckDeviceType answers
   bool multisample4 = true, multisample6 = false;  // CheckDeviceMultiSampleType; a device asked
                                                    // for more samples than the renderer has gets
                                                    // the most it has
-  bool hardwareVertexProcessing = true;  // false: the first CreateDevice fails
-  bool softwareVertexProcessing = true;  // false: the second one raises a failure
-  int32_t maxAnisotropy = 16;            // MaxAnisotropy of GetDeviceCaps
+  bool hardwareVertexProcessing = true;            // false: the first CreateDevice fails
+  bool softwareVertexProcessing = true;            // false: the second one raises a failure
+  int32_t maxAnisotropy = 16;                      // MaxAnisotropy of GetDeviceCaps
 };
 
 class HeadlessPlatform : public Platform {
@@ -82,8 +82,8 @@ class HeadlessPlatform : public Platform {
   int presentCount_ = 0, resetCount_ = 0;
   int32_t cooperativeLevel_ = 0;
   bool manualClock_ = false;
-  int64_t manualMs_ = 0;       // manual timeGetTime reading
-  double manualTimer_ = 0;     // manual Timer reading, seconds since midnight
+  int64_t manualMs_ = 0;    // manual timeGetTime reading
+  double manualTimer_ = 0;  // manual Timer reading, seconds since midnight
   int32_t frameAdvanceMs_ = 16;
   std::mt19937 random_;
   int32_t pictureWidth_ = 0, pictureHeight_ = 0;  // pic's client size in pixels

@@ -24,15 +24,15 @@ struct Image {
 
 // How the adapter answers the device layer's probes, and which device creations fail.
 struct AdapterProfile {
-  bool direct3DAvailable = true;        // false: Direct3DCreate gives none
-  int32_t checkDeviceTypeResult = 0;    // what CheckDeviceType answers
-  bool multisample4 = true;             // CheckDeviceMultiSampleType for 4 samples answers 0
-  bool multisample6 = false;            // ... and for 6 samples
-  bool hardwareVertexProcessing = true; // false: a hardware-vertex CreateDevice fails
-  bool softwareVertexProcessing = true; // false: a software-vertex CreateDevice raises a failure
-  int32_t maxAnisotropy = 16;           // MaxAnisotropy of GetDeviceCaps
+  bool direct3DAvailable = true;         // false: Direct3DCreate gives none
+  int32_t checkDeviceTypeResult = 0;     // what CheckDeviceType answers
+  bool multisample4 = true;              // CheckDeviceMultiSampleType for 4 samples answers 0
+  bool multisample6 = false;             // ... and for 6 samples
+  bool hardwareVertexProcessing = true;  // false: a hardware-vertex CreateDevice fails
+  bool softwareVertexProcessing = true;  // false: a software-vertex CreateDevice raises a failure
+  int32_t maxAnisotropy = 16;            // MaxAnisotropy of GetDeviceCaps
   int32_t displayWidth = 1920, displayHeight = 1080, refreshRate = 60;
-  int32_t displayFormat = 22;           // D3DFMT_X8R8G8B8
+  int32_t displayFormat = 22;  // D3DFMT_X8R8G8B8
 };
 
 class Platform {
@@ -49,7 +49,7 @@ class Platform {
   virtual float controlWidth() = 0;  // the control's size in twips, as the host laid it out
   virtual float controlHeight() = 0;
   virtual void MsgBox(const std::string& text) = 0;  // modal, OK only, the default title
-  virtual void Refresh(const Label& label) = 0;      // paint that label (and what lies under it) now
+  virtual void Refresh(const Label& label) = 0;  // paint that label (and what lies under it) now
 
   // --- The window that pic stands for, used by the library's device layer and screen dump. ---
 

@@ -111,7 +111,7 @@ class clsMesh {
 
 // Where every disc and shadow stands, and which disc stands on which field (slot = field - 1).
 struct Scene {
-  std::array<cls3DobjectInfo, 49> pieceObject;  // 0..23 white, 24..47 black, 48 never drawn
+  std::array<cls3DobjectInfo, 49> pieceObject;   // 0..23 white, 24..47 black, 48 never drawn
   std::array<cls3DobjectInfo, 41> shadowObject;  // 0..39 used, 40 never drawn
   std::array<int16_t, 51> fieldPiece{};
   std::array<int16_t, 51> fieldKingTop{};
@@ -176,50 +176,50 @@ class ctlBoard {
   ctlBoard& operator=(const ctlBoard&) = delete;
   void setEventSink(ctlBoardEvents* sink);  // nullptr: events go nowhere
 
-  int32_t timerAfterLastRender() const;                          // 1
-  void timerAfterLastRender(int32_t value);                      // 2
-  bool highlightLastMove() const;                                // 3
-  void highlightLastMove(bool value);                            // 4
-  void alternativeBoard(const std::string& s);                   // 5
-  void setHighLightField(int16_t hl);                            // 6
-  void alternativePieceWhite(const std::string& s);              // 7
-  void alternativePieceBlack(const std::string& s);              // 8
-  std::string modelDir() const;                                  // 9
-  std::string alternativeBoard() const;                          // 10
-  std::string alternativePieceWhite() const;                     // 11
-  std::string alternativePieceBlack() const;                     // 12
-  void field(int16_t index, int16_t value);                      // 13
-  bool userRotationEnabled() const;                              // 14
-  void userRotationEnabled(bool value);                          // 15
-  bool userMoveEnabled() const;                                  // 16
-  void userMoveEnabled(bool value);                              // 17
-  int32_t ambientBackColor() const;                              // 18
-  void ambientBackColor(int32_t col);                            // 19
-  int16_t field(int16_t index) const;                            // 20
-  void rotationVerticalAxis(float value);                        // 21
-  float rotationVerticalAxis() const;                            // 22
-  void rotationHorizontalAxis(float value);                      // 23
-  float rotationHorizontalAxis() const;                          // 24
-  void viewingDistance(float value);                             // 25
-  float viewingDistance() const;                                 // 26
-  void clearMoveList();                                          // 27
-  void addMoveList(const std::string& strMove);                  // 28
+  int32_t timerAfterLastRender() const;              // 1
+  void timerAfterLastRender(int32_t value);          // 2
+  bool highlightLastMove() const;                    // 3
+  void highlightLastMove(bool value);                // 4
+  void alternativeBoard(const std::string& s);       // 5
+  void setHighLightField(int16_t hl);                // 6
+  void alternativePieceWhite(const std::string& s);  // 7
+  void alternativePieceBlack(const std::string& s);  // 8
+  std::string modelDir() const;                      // 9
+  std::string alternativeBoard() const;              // 10
+  std::string alternativePieceWhite() const;         // 11
+  std::string alternativePieceBlack() const;         // 12
+  void field(int16_t index, int16_t value);          // 13
+  bool userRotationEnabled() const;                  // 14
+  void userRotationEnabled(bool value);              // 15
+  bool userMoveEnabled() const;                      // 16
+  void userMoveEnabled(bool value);                  // 17
+  int32_t ambientBackColor() const;                  // 18
+  void ambientBackColor(int32_t col);                // 19
+  int16_t field(int16_t index) const;                // 20
+  void rotationVerticalAxis(float value);            // 21
+  float rotationVerticalAxis() const;                // 22
+  void rotationHorizontalAxis(float value);          // 23
+  float rotationHorizontalAxis() const;              // 24
+  void viewingDistance(float value);                 // 25
+  float viewingDistance() const;                     // 26
+  void clearMoveList();                              // 27
+  void addMoveList(const std::string& strMove);      // 28
   std::optional<bool> init(bool qTrans, int32_t qAA, int32_t qShadow,
-                           const std::string& ap = {});          // 29
+                           const std::string& ap = {});  // 29
   void showProgressBar(const Variant& status, const Variant& visible,
-                       const Variant& percentage);               // 30
-  void initAnimation();                                          // 31
-  void stopAnimation();                                          // 32
-  void animation(double dblTime);                                // 33
-  void drawBoard();                                              // 34
-  void render();                                                 // 35
-  void setInitString(const std::string& v);                      // 36
-  void showMove(const std::string& strMove);                     // 37
-  D3DVECTOR vec3(float x, float y, float z) const;               // 38
-  void SetupLights();                                            // 39
-  void resize();                                                 // 40
-  void screenDump(const std::string& filename);                  // 41
-  void setHLfields(const std::string& fields);                   // 42
+                       const Variant& percentage);  // 30
+  void initAnimation();                             // 31
+  void stopAnimation();                             // 32
+  void animation(double dblTime);                   // 33
+  void drawBoard();                                 // 34
+  void render();                                    // 35
+  void setInitString(const std::string& v);         // 36
+  void showMove(const std::string& strMove);        // 37
+  D3DVECTOR vec3(float x, float y, float z) const;  // 38
+  void SetupLights();                               // 39
+  void resize();                                    // 40
+  void screenDump(const std::string& filename);     // 41
+  void setHLfields(const std::string& fields);      // 42
 
   // Incoming platform events, on the control's thread.
   void Paint();

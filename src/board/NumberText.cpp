@@ -6,7 +6,9 @@
 namespace ostrel::board {
 
 namespace {
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 }  // namespace
 
 double leadingNumber(std::string_view text) {

@@ -81,6 +81,8 @@ void ControlState::raiseKeyDown(int16_t keyCode, int16_t shift) {
   if (events) events->KeyDown(keyCode, shift);
 }
 
-ControlState& controlState(ctlBoard& board) { return *board.s_; }
+ControlState& controlState(ctlBoard& board) {
+  return *board.s_;
+}
 
 }  // namespace ostrel

@@ -23,24 +23,44 @@ ctlBoard::ctlBoard(Platform& platform) : s_(std::make_unique<ControlState>(platf
   platform.attachControl(&s_->backColor, &s_->label1, &s_->lblStatus, &s_->lblProgress);
 }
 
-ctlBoard::~ctlBoard() { s_->platform.detachControl(); }
+ctlBoard::~ctlBoard() {
+  s_->platform.detachControl();
+}
 
-void ctlBoard::setEventSink(ctlBoardEvents* sink) { s_->events = sink; }
+void ctlBoard::setEventSink(ctlBoardEvents* sink) {
+  s_->events = sink;
+}
 
-int32_t ctlBoard::timerAfterLastRender() const { return s_->timerAfterLastRender; }
-void ctlBoard::timerAfterLastRender(int32_t value) { s_->timerAfterLastRender = value; }
-bool ctlBoard::highlightLastMove() const { return s_->highlightLastMove; }
-void ctlBoard::highlightLastMove(bool value) { s_->highlightLastMove = value; }
-void ctlBoard::setHighLightField(int16_t hl) { scene::setHighLightField(*s_, hl); }
+int32_t ctlBoard::timerAfterLastRender() const {
+  return s_->timerAfterLastRender;
+}
+void ctlBoard::timerAfterLastRender(int32_t value) {
+  s_->timerAfterLastRender = value;
+}
+bool ctlBoard::highlightLastMove() const {
+  return s_->highlightLastMove;
+}
+void ctlBoard::highlightLastMove(bool value) {
+  s_->highlightLastMove = value;
+}
+void ctlBoard::setHighLightField(int16_t hl) {
+  scene::setHighLightField(*s_, hl);
+}
 
 std::string ctlBoard::modelDir() const {
   const std::string& base = graphics::graphicsContext().baseDirectory;
   return base.empty() ? std::string() : base + "/models";
 }
 
-std::string ctlBoard::alternativeBoard() const { return s_->alternativeBoard; }
-std::string ctlBoard::alternativePieceWhite() const { return s_->alternativePieceWhite; }
-std::string ctlBoard::alternativePieceBlack() const { return s_->alternativePieceBlack; }
+std::string ctlBoard::alternativeBoard() const {
+  return s_->alternativeBoard;
+}
+std::string ctlBoard::alternativePieceWhite() const {
+  return s_->alternativePieceWhite;
+}
+std::string ctlBoard::alternativePieceBlack() const {
+  return s_->alternativePieceBlack;
+}
 
 void ctlBoard::field(int16_t index, int16_t value) {
   if (index >= 0 && index < kFieldSlots) s_->fieldCode[static_cast<size_t>(index)] = value;
@@ -49,55 +69,113 @@ int16_t ctlBoard::field(int16_t index) const {
   return index >= 0 && index < kFieldSlots ? s_->fieldCode[static_cast<size_t>(index)] : 0;
 }
 
-bool ctlBoard::userRotationEnabled() const { return s_->userRotationEnabled; }
-void ctlBoard::userRotationEnabled(bool value) { s_->userRotationEnabled = value; }
-bool ctlBoard::userMoveEnabled() const { return s_->userMoveEnabled; }
-void ctlBoard::userMoveEnabled(bool value) { s_->userMoveEnabled = value; }
+bool ctlBoard::userRotationEnabled() const {
+  return s_->userRotationEnabled;
+}
+void ctlBoard::userRotationEnabled(bool value) {
+  s_->userRotationEnabled = value;
+}
+bool ctlBoard::userMoveEnabled() const {
+  return s_->userMoveEnabled;
+}
+void ctlBoard::userMoveEnabled(bool value) {
+  s_->userMoveEnabled = value;
+}
 
-int32_t ctlBoard::ambientBackColor() const { return s_->ambientBackColor; }
+int32_t ctlBoard::ambientBackColor() const {
+  return s_->ambientBackColor;
+}
 void ctlBoard::ambientBackColor(int32_t col) {
   s_->ambientBackColor = col;
   s_->backColor = swapRedBlue(col);
 }
 
-void ctlBoard::rotationVerticalAxis(float value) { s_->rotationVerticalAxis = value; }
-float ctlBoard::rotationVerticalAxis() const { return s_->rotationVerticalAxis; }
-void ctlBoard::rotationHorizontalAxis(float value) { s_->rotationHorizontalAxis = value; }
-float ctlBoard::rotationHorizontalAxis() const { return s_->rotationHorizontalAxis; }
+void ctlBoard::rotationVerticalAxis(float value) {
+  s_->rotationVerticalAxis = value;
+}
+float ctlBoard::rotationVerticalAxis() const {
+  return s_->rotationVerticalAxis;
+}
+void ctlBoard::rotationHorizontalAxis(float value) {
+  s_->rotationHorizontalAxis = value;
+}
+float ctlBoard::rotationHorizontalAxis() const {
+  return s_->rotationHorizontalAxis;
+}
 void ctlBoard::viewingDistance(float value) {
   s_->viewingDistance = std::clamp(value, 0.1f, 800.0f);
 }
-float ctlBoard::viewingDistance() const { return s_->viewingDistance; }
+float ctlBoard::viewingDistance() const {
+  return s_->viewingDistance;
+}
 
-void ctlBoard::clearMoveList() { board::clearMoves(s_->moves); }
-void ctlBoard::addMoveList(const std::string& strMove) { board::addMove(s_->moves, strMove); }
+void ctlBoard::clearMoveList() {
+  board::clearMoves(s_->moves);
+}
+void ctlBoard::addMoveList(const std::string& strMove) {
+  board::addMove(s_->moves, strMove);
+}
 
 void ctlBoard::showProgressBar(const Variant& status, const Variant& visible,
                                const Variant& percentage) {
   control::showProgressBar(*s_, status, visible, percentage);
 }
-void ctlBoard::setInitString(const std::string& v) { s_->lblStatus.Caption = v; }
+void ctlBoard::setInitString(const std::string& v) {
+  s_->lblStatus.Caption = v;
+}
 
-void ctlBoard::drawBoard() { scene::drawBoard(*s_); }
+void ctlBoard::drawBoard() {
+  scene::drawBoard(*s_);
+}
 
-D3DVECTOR ctlBoard::vec3(float x, float y, float z) const { return D3DVECTOR{x, y, z}; }
+D3DVECTOR ctlBoard::vec3(float x, float y, float z) const {
+  return D3DVECTOR{x, y, z};
+}
 
-void ctlBoard::setHLfields(const std::string& fields) { scene::setHLfields(*s_, fields); }
+void ctlBoard::setHLfields(const std::string& fields) {
+  scene::setHLfields(*s_, fields);
+}
 
-const PictureBox& ctlBoard::pic() const { return s_->pic; }
-const Label& ctlBoard::label1() const { return s_->label1; }
-const Label& ctlBoard::lblStatus() const { return s_->lblStatus; }
-const Label& ctlBoard::lblProgress() const { return s_->lblProgress; }
-const TimerControl& ctlBoard::Timer1() const { return s_->timer1; }
-int32_t ctlBoard::BackColor() const { return s_->backColor; }
+const PictureBox& ctlBoard::pic() const {
+  return s_->pic;
+}
+const Label& ctlBoard::label1() const {
+  return s_->label1;
+}
+const Label& ctlBoard::lblStatus() const {
+  return s_->lblStatus;
+}
+const Label& ctlBoard::lblProgress() const {
+  return s_->lblProgress;
+}
+const TimerControl& ctlBoard::Timer1() const {
+  return s_->timer1;
+}
+int32_t ctlBoard::BackColor() const {
+  return s_->backColor;
+}
 
-const Scene& ctlBoard::scene() const { return s_->scene; }
-const ModelSet& ctlBoard::models() const { return s_->models; }
-const MoveList& ctlBoard::moves() const { return s_->moves; }
-const GestureState& ctlBoard::gesture() const { return s_->gesture; }
-bool ctlBoard::resizePending() const { return s_->resizePending; }
-float ctlBoard::resizeTime() const { return s_->resizeTime; }
-int16_t ctlBoard::anisotropyLevel() const { return s_->anisotropyLevel; }
+const Scene& ctlBoard::scene() const {
+  return s_->scene;
+}
+const ModelSet& ctlBoard::models() const {
+  return s_->models;
+}
+const MoveList& ctlBoard::moves() const {
+  return s_->moves;
+}
+const GestureState& ctlBoard::gesture() const {
+  return s_->gesture;
+}
+bool ctlBoard::resizePending() const {
+  return s_->resizePending;
+}
+float ctlBoard::resizeTime() const {
+  return s_->resizeTime;
+}
+int16_t ctlBoard::anisotropyLevel() const {
+  return s_->anisotropyLevel;
+}
 
 // Entries of the other subsystems follow, each one body that hands over.
 

@@ -55,9 +55,13 @@ void HeadlessPlatform::advance(int32_t ms) {
   if (manualTimer_ < 0) manualTimer_ += kSecondsPerDay;
 }
 
-void HeadlessPlatform::frameAdvanceMs(int32_t ms) { frameAdvanceMs_ = ms; }
+void HeadlessPlatform::frameAdvanceMs(int32_t ms) {
+  frameAdvanceMs_ = ms;
+}
 
-void HeadlessPlatform::seedRandom(uint32_t seed) { random_.seed(seed); }
+void HeadlessPlatform::seedRandom(uint32_t seed) {
+  random_.seed(seed);
+}
 
 int32_t HeadlessPlatform::timeGetTime() {
   int64_t ms = manualMs_;
@@ -95,10 +99,16 @@ std::string HeadlessPlatform::AppPath() {
   return options_.appPath.empty() ? shippedAssetFolder() : options_.appPath;
 }
 
-float HeadlessPlatform::controlWidth() { return options_.pixelWidth * options_.twipsPerPixelX; }
-float HeadlessPlatform::controlHeight() { return options_.pixelHeight * options_.twipsPerPixelY; }
+float HeadlessPlatform::controlWidth() {
+  return options_.pixelWidth * options_.twipsPerPixelX;
+}
+float HeadlessPlatform::controlHeight() {
+  return options_.pixelHeight * options_.twipsPerPixelY;
+}
 
-void HeadlessPlatform::MsgBox(const std::string& text) { messages_.push_back(text); }
+void HeadlessPlatform::MsgBox(const std::string& text) {
+  messages_.push_back(text);
+}
 
 // windowImage paints the labels as they stand whenever the window is looked at, so a label
 // refreshed now shows in every later picture; there is no message loop to wait for.
@@ -109,11 +119,15 @@ void HeadlessPlatform::resizeControl(int pixelWidth, int pixelHeight) {
   options_.pixelHeight = pixelHeight;
 }
 
-void HeadlessPlatform::loseDevice() { cooperativeLevel_ = graphics::D3DERR_DEVICELOST; }
+void HeadlessPlatform::loseDevice() {
+  cooperativeLevel_ = graphics::D3DERR_DEVICELOST;
+}
 void HeadlessPlatform::makeDeviceResettable() {
   cooperativeLevel_ = graphics::D3DERR_DEVICENOTRESET;
 }
-int32_t HeadlessPlatform::cooperativeLevel() { return cooperativeLevel_; }
+int32_t HeadlessPlatform::cooperativeLevel() {
+  return cooperativeLevel_;
+}
 
 void HeadlessPlatform::deviceWasReset() {
   ++resetCount_;
@@ -183,6 +197,8 @@ void HeadlessPlatform::attachControl(const int32_t* backColor, const Label* fram
   progress_ = progress;
 }
 
-void HeadlessPlatform::detachControl() { attachControl(nullptr, nullptr, nullptr, nullptr); }
+void HeadlessPlatform::detachControl() {
+  attachControl(nullptr, nullptr, nullptr, nullptr);
+}
 
 }  // namespace ostrel
