@@ -8,4 +8,3 @@ find_package(assimp CONFIG REQUIRED)
 # One interface target, so that tests that reach into internals link the same set.
 add_library(ostrel_deps INTERFACE)
 target_link_libraries(ostrel_deps INTERFACE PkgConfig::EPOXY PkgConfig::EGL PkgConfig::STB assimp::assimp)
-install(TARGETS ostrel_deps EXPORT ostrelTargets)
