@@ -15,15 +15,14 @@ constexpr int kFields = 50;
 // `first` is the colour's first pieceObject slot. A colour out of discs places nothing.
 void placePiece(ControlState& s, size_t slot, bool king, int& used, int first, float x, float y) {
   if (used >= kDiscsPerColour) return;
-  const float z = kDiscRestHeight;
   cls3DobjectInfo& lower = s.scene.pieceObject[static_cast<size_t>(first + used)];
-  lower.Translate(x, z, y);
+  lower.Translate(x, kDiscRestHeight, y);
   lower.visible = true;
   s.scene.fieldPiece[slot] = static_cast<int16_t>(first + used);
   ++used;
   if (king && used < kDiscsPerColour) {
     cls3DobjectInfo& upper = s.scene.pieceObject[static_cast<size_t>(first + used)];
-    upper.Translate(x, stackedHeight(z), y);
+    upper.Translate(x, kKingTopRestHeight, y);
     upper.visible = true;
     s.scene.fieldKingTop[slot] = static_cast<int16_t>(first + used);
     ++used;
@@ -59,7 +58,7 @@ void drawBoard(ControlState& s) {
       const int discs = (code == 4 || code == 5) ? 2 : 1;
       cls3DobjectInfo& shadow = s.scene.shadowObject[static_cast<size_t>(shadows)];
       shadow.visible = true;
-      shadow.Translate(shadowX(x, discs), shadowHeight(kDiscRestHeight), shadowY(y, discs));
+      shadow.Translate(shadowX(x, discs), kShadowHeight, shadowY(y, discs));
       s.scene.fieldShadow[slot] = static_cast<int16_t>(shadows);
       ++shadows;
     }

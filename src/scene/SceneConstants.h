@@ -13,8 +13,9 @@ inline constexpr int kFirstBlackDisc = 24;
 inline constexpr int kPlacedDiscs = 48;
 inline constexpr int kShadowSlots = 40;
 
-// posY of a disc resting on the board (a Single).
-inline constexpr float kDiscRestHeight = 0.2265f;
+// Height of a resting disc's centre, and of the board plane that picking meets. The arithmetic
+// below starts from this double, so the rounded results are the decimal values themselves.
+inline constexpr double kRestHeight = 0.2265;
 // Height of one disc: a king's upper disc stands this much above the lower one.
 inline constexpr double kDiscStep = 0.21;
 // A shadow lies one disc step and this much more below the resting disc.
@@ -23,6 +24,11 @@ inline constexpr double kShadowGap = 0.009;
 inline constexpr double kShadowShiftX = 0.6;
 inline constexpr double kShadowShiftY = -0.4;
 
+inline constexpr float kDiscRestHeight = static_cast<float>(kRestHeight);                 // 0.2265
+inline constexpr float kKingTopRestHeight = static_cast<float>(kRestHeight + kDiscStep);  // 0.4365
+inline constexpr float kShadowHeight =
+    static_cast<float>(kRestHeight - kDiscStep - kShadowGap);  // 0.0075
+
 // Markers stand 0.08 to the right of a field's disc point, just above the resting discs.
 inline constexpr double kMarkerShiftX = 0.08;
 inline constexpr float kMoveMarkerHeight = 0.2275f;  // only move, drag destinations (slots 1..15)
@@ -30,20 +36,24 @@ inline constexpr float kLastMoveMarkerHeight = 0.228f;  // last move (slot 16)
 inline constexpr float kFieldMarkerHeight = 0.2365f;    // host's fields, hover target (slot 0)
 
 // Height of a disc stacked on one at height z (a king's upper disc).
-inline float stackedHeight(float z) {
+constexpr float stackedHeight(float z) {
   return static_cast<float>(z + kDiscStep);
 }
 
-// Height of the shadow of a piece whose lower disc rests at height z.
-inline float shadowHeight(float z) {
-  return static_cast<float>(z - kDiscStep - kShadowGap);
+// Height of the shadow of a piece whose lower disc stands at height z. z enters as its distance
+// from the rest height, so the shadow of a resting piece lies at exactly kShadowHeight.
+constexpr float shadowHeight(float z) {
+  return static_cast<float>(kRestHeight + (static_cast<double>(z) - kDiscRestHeight) - kDiscStep -
+                            kShadowGap);
 }
+static_assert(shadowHeight(kDiscRestHeight) == kShadowHeight);
+static_assert(stackedHeight(kDiscRestHeight) == kKingTopRestHeight);
 
 // Shadow position of a stack of `discs` discs standing at board point (x, y).
-inline float shadowX(float x, int discs) {
+constexpr float shadowX(float x, int discs) {
   return static_cast<float>(x + kShadowShiftX * (kDiscStep * discs));
 }
-inline float shadowY(float y, int discs) {
+constexpr float shadowY(float y, int discs) {
   return static_cast<float>(y + kShadowShiftY * (kDiscStep * discs));
 }
 

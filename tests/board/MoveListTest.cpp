@@ -1,0 +1,71 @@
+// The move list through the control, and the source lookup over it.
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+
+#include "board/MoveList.h"
+#include "control/ControlAccess.h"
+#include "ostrel/HeadlessPlatform.h"
+
+using namespace ostrel;
+
+namespace {
+
+struct Control {
+  HeadlessPlatform platform;
+  ctlBoard board{platform};
+};
+
+MoveList listOf(std::initializer_list<const char*> moves) {
+  MoveList list;
+  for (const char* m : moves) board::addMove(list, m);
+  return list;
+}
+
+}  // namespace
+
+TEST(MoveList, StoresNormalFormsUpTo256) {
+  Control c;
+  c.board.addMoveList("31x22");
+  c.board.addMoveList("31X22");
+  EXPECT_EQ(c.board.moves().moveCount, 2);
+  EXPECT_EQ(c.board.moves().moveList[0], "31-22");
+  EXPECT_EQ(c.board.moves().moveList[1], "31X22");
+
+  c.board.clearMoveList();
+  for (int i = 0; i < 300; ++i) c.board.addMoveList(std::to_string(i) + "x9");
+  const MoveList& list = c.board.moves();
+  EXPECT_EQ(list.moveCount, 256);
+  EXPECT_EQ(list.moveList[0], "0-9");
+  EXPECT_EQ(list.moveList[255], "255-9");
+  EXPECT_EQ(list.moveList[256], "");
+
+  c.board.clearMoveList();
+  EXPECT_EQ(list.moveCount, 0);
+  c.board.addMoveList("1-7");
+  EXPECT_EQ(list.moveCount, 1);
+  EXPECT_EQ(list.moveList[0], "1-7");
+  EXPECT_EQ(list.moveList[1], "1-9");  // old texts stay until overwritten
+}
+
+TEST(MoveList, FindMoveBySourceComparesWholeSourceTokens) {
+  EXPECT_FALSE(board::findMoveBySource(listOf({"05-10"}), 5));
+  EXPECT_TRUE(board::findMoveBySource(listOf({"5-10"}), 5));
+  EXPECT_TRUE(board::findMoveBySource(listOf({"5x10x14"}), 5));
+  EXPECT_TRUE(board::findMoveBySource(listOf({"7-12", "5-14"}), 5));
+  EXPECT_FALSE(board::findMoveBySource(listOf({"32-28"}), 3));
+  EXPECT_FALSE(board::findMoveBySource(listOf({"32-28"}), 32 * 10));
+  EXPECT_FALSE(board::findMoveBySource(listOf({}), 5));
+  EXPECT_TRUE(board::findMoveBySource(listOf({"0-5"}), 0));
+  // An entry without a "-" has no source text and never matches.
+  EXPECT_FALSE(board::findMoveBySource(listOf({"5", "5X9"}), 5));
+  EXPECT_TRUE(board::findMoveBySource(listOf({"5", "5-9"}), 5));
+  // "-3-4" has an empty source text.
+  EXPECT_FALSE(board::findMoveBySource(listOf({"-3-4"}), -3));
+  // Moves dropped by a clear are not found, though their text is still in the slot.
+  MoveList cleared = listOf({"5-10"});
+  board::clearMoves(cleared);
+  EXPECT_FALSE(board::findMoveBySource(cleared, 5));
+}

@@ -1,0 +1,158 @@
+// Token helpers, the numeric value of a token, and the field geometry.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "ostrel/notation.h"
+
+using namespace ostrel;
+
+TEST(GetToken, SingleTokensRangesAndTokenNumberRules) {
+  struct Case {
+    const char* text;
+    int16_t from, to;
+    const char* want;
+  };
+  for (const Case& c : {Case{"32-28", 1, 0, "32"},
+                        {"32-28", 2, 0, "28"},
+                        {"32-28", 3, 0, ""},
+                        {"1-2-3-4", 2, 3, "2-3"},
+                        {"1-2-3-4", 3, 9, "3-4"},
+                        {"1-2", 0, 0, ""},
+                        {"1-2", 0, 2, "1-2"},
+                        {"", 1, 0, ""},
+                        {"a--b", 2, 0, ""},
+                        {"a--b", 3, 0, "b"},
+                        {"1-2", -7, 1, "1"},
+                        {"1-2", 2, 1, ""},
+                        {"1-2", 1, 32767, "1-2"},
+                        {"-", 2, 0, ""}})
+    EXPECT_EQ(getToken(c.text, "-", c.from, c.to), c.want)
+        << c.text << " " << c.from << ".." << c.to;
+  EXPECT_EQ(getToken("7<>8<>9", "<>", 2, 3), "8<>9");
+  EXPECT_EQ(getToken("1-2", "", 1, 0), "1-2");  // an empty delimiter never matches
+}
+
+TEST(CountTokens, EmptyTokensCount) {
+  EXPECT_EQ(countTokens("", "|"), 1);
+  EXPECT_EQ(countTokens("7", "|"), 1);
+  EXPECT_EQ(countTokens("7|8|", "|"), 3);
+  EXPECT_EQ(countTokens("-", "-"), 2);
+  EXPECT_EQ(countTokens("aaa", "aa"), 2);  // delimiters do not overlap
+  EXPECT_EQ(countTokens("1-2", ""), 1);
+}
+
+TEST(TokenValue, LeadingNumberRoundedToAFieldNumber) {
+  struct Case {
+    const char* token;
+    int16_t want;
+  };
+  for (const Case& c : {Case{"32", 32},     {"32abc", 32},
+                        {"32X23", 32},      {"  7", 7},
+                        {"\t7", 7},         {"", 0},
+                        {"abc", 0},         {"-5", -5},
+                        {"+5", 5},          {"7 8", 7},
+                        {"2.5", 2},         {"3.5", 4},
+                        {"-2.5", -2},       {"0.51", 1},
+                        {".5", 0},          {"1e1", 10},
+                        {"1e", 1},          {"1e+", 1},
+                        {"1.5e1x", 15},     {"0x1A", 0},
+                        {"inf", 0},         {"nan", 0},
+                        {"99999", 32767},   {"-99999", -32768},
+                        {"32767.5", 32767}, {"-32768.5", -32768},
+                        {"1e400", 32767},   {"-1e400", -32768},
+                        {"1e-400", 0}})
+    EXPECT_EQ(tokenValue(c.token), c.want) << '"' << c.token << '"';
+  EXPECT_EQ(tokenValue(std::string(5000, '9')), 32767);
+}
+
+TEST(NormalMove, OnlyLowerCaseXBecomesADash) {
+  EXPECT_EQ(normalMove("26x37x48"), "26-37-48");
+  EXPECT_EQ(normalMove("31X22"), "31X22");
+  EXPECT_EQ(normalMove("1-2x3"), "1-2-3");
+}
+
+TEST(FieldGeometry, EveryFieldSitsInItsSquareAndMapsBack) {
+  const double lightFirst[5] = {-3.57, -1.57, 0.43, 2.43, 4.43};
+  const double darkFirst[5] = {-4.57, -2.57, -0.57, 1.43, 3.43};
+  for (int f = 1; f <= 50; ++f) {
+    float x = 0, y = 0;
+    fieldToBoard(static_cast<int16_t>(f), x, y);
+    const int row = (f - 1) / 5;
+    EXPECT_FLOAT_EQ(x, static_cast<float>((row % 2 ? darkFirst : lightFirst)[(f - 1) % 5])) << f;
+    EXPECT_FLOAT_EQ(y, 4.5f - static_cast<float>(row)) << f;
+    int16_t back = 0;
+    boardToField(x, y, back);
+    EXPECT_EQ(back, f);
+    // The whole square belongs to the field, also right of the disc point.
+    boardToField(x + 0.569f, y + 0.499f, back);
+    EXPECT_EQ(back, f);
+    boardToField(x - 0.42f, y - 0.499f, back);
+    EXPECT_EQ(back, f);
+  }
+}
+
+TEST(FieldGeometry, FieldsOutsideTheBoardRunOn) {
+  struct Case {
+    int16_t field;
+    float x, y;
+  };
+  for (const Case& c : {Case{0, -5.57f, 5.5f}, {-1, -7.57f, 5.5f}, {51, -3.57f, -5.5f}}) {
+    float x = 0, y = 0;
+    fieldToBoard(c.field, x, y);
+    EXPECT_FLOAT_EQ(x, c.x) << c.field;
+    EXPECT_FLOAT_EQ(y, c.y) << c.field;
+  }
+  float x = 0, y = 0;
+  fieldToBoard(std::numeric_limits<int16_t>::min(), x, y);
+  EXPECT_FLOAT_EQ(y, 6558.5f);  // rows run on above the board
+}
+
+TEST(FieldGeometry, BoardToFieldCornersEdgesAndLightSquares) {
+  const float justBelow5 = std::nextafter(5.0f, 0.0f);
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const float inf = std::numeric_limits<float>::infinity();
+  struct Case {
+    float x, y;
+    int16_t want;
+  };
+  for (const Case& c : {Case{-5, -5, 46},
+                        {4.99f, 4.99f, 5},
+                        {0, 0, 23},
+                        {-4.99f, 4.99f, -1},
+                        {4.99f, -4.99f, -1},
+                        {5, 0, -1},
+                        {-5.5f, -4.5f, -1},
+                        {-4.5f, -4.5f, 46},
+                        {-4.01f, -4.01f, 46},
+                        {justBelow5, justBelow5, 5},
+                        {std::nextafter(-5.0f, -6.0f), -4.5f, -1},
+                        {nan, 0, -1},
+                        {0, nan, -1},
+                        {inf, 0, -1},
+                        {-inf, -inf, -1},
+                        {1e30f, 1e30f, -1}}) {
+    int16_t field = 99;
+    boardToField(c.x, c.y, field);
+    EXPECT_EQ(field, c.want) << c.x << ", " << c.y;
+  }
+}
+
+TEST(SwapRedBlue, SwapsTheLowBytesBelowTheFlagRange) {
+  struct Case {
+    int32_t in, out;
+  };
+  for (const Case& c : {Case{0x404040, 0x404040},
+                        {0x123456, 0x563412},
+                        {0xFF, 0xFF0000},
+                        {0xFFFFFF, 0xFFFFFF},
+                        {0x1000000, 0x1000000},
+                        {0x7FFFFFFF, 0x7FFFFFFF},
+                        {-1, 0xFFFFFF},
+                        {std::numeric_limits<int32_t>::min(), 0},
+                        {static_cast<int32_t>(0x80000005u), 0x050000}})
+    EXPECT_EQ(swapRedBlue(c.in), c.out) << std::hex << c.in;
+}
