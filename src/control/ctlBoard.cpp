@@ -8,6 +8,7 @@
 #include "board/MoveList.h"
 #include "control/ControlState.h"
 #include "control/StatusFrame.h"
+#include "graphics/Frame.h"
 #include "graphics/GraphicsContext.h"
 #include "ostrel/notation.h"
 #include "scene/Markers.h"
@@ -178,5 +179,9 @@ int16_t ctlBoard::anisotropyLevel() const {
 }
 
 // Entries of the other subsystems follow, each one body that hands over.
+
+void ctlBoard::render() { graphics::render(*s_); }
+void ctlBoard::SetupLights() { graphics::setupLights(*s_); }
+void ctlBoard::Paint() { graphics::render(*s_); }
 
 }  // namespace ostrel

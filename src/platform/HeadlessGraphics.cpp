@@ -1,16 +1,147 @@
-// The headless host's OpenGL side. Until the device layer has a backend the platform offers no
-// context, so the control finds no Direct3D object.
+// The headless host's OpenGL side: a surfaceless EGL display with an OpenGL 3.3 core context,
+// made on first use, and the reading back of each presented frame into the window picture.
 
+#include <epoxy/egl.h>
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+
+#include "graphics/d3d8.h"
+#include "graphics/gl/GlReadback.h"
 #include "ostrel/HeadlessPlatform.h"
 
 namespace ostrel {
 
-struct HeadlessPlatform::Context {};
+namespace {
 
-HeadlessPlatform::~HeadlessPlatform() = default;
+// The surfaceless display is one per process; it is initialised while any headless context
+// lives, and terminated with the last one.
+struct SharedDisplay {
+  std::mutex mutex;
+  EGLDisplay display = EGL_NO_DISPLAY;
+  int users = 0;
+};
 
-bool HeadlessPlatform::makeContextCurrent() { return false; }
+SharedDisplay& sharedDisplay() {
+  static SharedDisplay shared;
+  return shared;
+}
 
-void HeadlessPlatform::presentFramebuffer(uint32_t, int32_t, int32_t) {}
+EGLDisplay acquireDisplay() {
+  SharedDisplay& s = sharedDisplay();
+  std::lock_guard<std::mutex> lock(s.mutex);
+  if (s.users == 0) {
+    if (!epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_base") ||
+        !epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless")) {
+      return EGL_NO_DISPLAY;
+    }
+    EGLDisplay d =
+        eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    if (d == EGL_NO_DISPLAY) return EGL_NO_DISPLAY;
+    EGLint major = 0, minor = 0;
+    if (!eglInitialize(d, &major, &minor)) return EGL_NO_DISPLAY;
+    s.display = d;
+  }
+  ++s.users;
+  return s.display;
+}
+
+void releaseDisplay() {
+  SharedDisplay& s = sharedDisplay();
+  std::lock_guard<std::mutex> lock(s.mutex);
+  if (s.users > 0 && --s.users == 0) {
+    eglTerminate(s.display);
+    eglReleaseThread();
+    s.display = EGL_NO_DISPLAY;
+  }
+}
+
+}  // namespace
+
+struct HeadlessPlatform::Context {
+  ~Context() {
+    if (display == EGL_NO_DISPLAY) return;
+    if (context != EGL_NO_CONTEXT) {
+      if (eglGetCurrentContext() == context) {
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+      }
+      eglDestroyContext(display, context);
+    }
+    releaseDisplay();
+  }
+
+  // An OpenGL 3.3 core context without a surface; false when the system has none to give.
+  bool create() {
+    display = acquireDisplay();
+    if (display == EGL_NO_DISPLAY) return false;
+    if (!eglBindAPI(EGL_OPENGL_API)) return false;
+    EGLConfig config = EGL_NO_CONFIG_KHR;
+    if (!epoxy_has_egl_extension(display, "EGL_KHR_no_config_context")) {
+      const EGLint wanted[] = {EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
+      EGLint found = 0;
+      if (!eglChooseConfig(display, wanted, &config, 1, &found) || found == 0) return false;
+    }
+    const EGLint attributes[] = {EGL_CONTEXT_MAJOR_VERSION,
+                                 3,
+                                 EGL_CONTEXT_MINOR_VERSION,
+                                 3,
+                                 EGL_CONTEXT_OPENGL_PROFILE_MASK,
+                                 EGL_CONTEXT_OPENGL_CORE_PROFILE_BIT,
+                                 EGL_NONE};
+    context = eglCreateContext(display, config, EGL_NO_CONTEXT, attributes);
+    return context != EGL_NO_CONTEXT;
+  }
+
+  EGLDisplay display = EGL_NO_DISPLAY;
+  EGLContext context = EGL_NO_CONTEXT;
+  bool usable = false;
+  std::vector<uint8_t> pixels;  // the last frame read back, top row first
+};
+
+HeadlessPlatform::~HeadlessPlatform() {
+  // GL objects still held by meshes or devices die with the context, not after it.
+  graphics::platformContextGoing(*this);
+}
+
+bool HeadlessPlatform::makeContextCurrent() {
+  if (!context_) {
+    context_ = std::make_shared<Context>();
+    context_->usable = context_->create();
+  }
+  if (!context_->usable) return false;
+  if (eglGetCurrentContext() == context_->context) return true;
+  return eglMakeCurrent(context_->display, EGL_NO_SURFACE, EGL_NO_SURFACE, context_->context) ==
+         EGL_TRUE;
+}
+
+void HeadlessPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) {
+  if (!makeContextCurrent()) return;
+  std::vector<uint8_t>& source = context_->pixels;
+  if (!graphics::gl::readFramebufferTopDown(framebuffer, width, height, source)) return;
+
+  // The window shows the frame stretched over pic's client area, opaque.
+  int32_t w = std::max(pictureWidth_, 0), h = std::max(pictureHeight_, 0);
+  presented_.width = w;
+  presented_.height = h;
+  presented_.rgba.resize(static_cast<size_t>(w) * h * 4);
+  size_t sourceRow = static_cast<size_t>(width) * 4;
+  if (w == width && h == height) {
+    std::memcpy(presented_.rgba.data(), source.data(), source.size());
+  } else {
+    for (int32_t y = 0; y < h; ++y) {
+      const uint8_t* row = source.data() + static_cast<size_t>(y) * height / h * sourceRow;
+      uint8_t* out = presented_.rgba.data() + static_cast<size_t>(y) * w * 4;
+      for (int32_t x = 0; x < w; ++x) {
+        std::memcpy(out + static_cast<size_t>(x) * 4, row + static_cast<size_t>(x) * width / w * 4,
+                    4);
+      }
+    }
+  }
+  for (size_t i = 3; i < presented_.rgba.size(); i += 4) presented_.rgba[i] = 255;
+  presentedAny_ = true;
+  ++presentCount_;
+  advance(frameAdvanceMs_);
+}
 
 }  // namespace ostrel
