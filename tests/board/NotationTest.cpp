@@ -33,6 +33,7 @@ TEST(GetToken, SingleTokensRangesAndTokenNumberRules) {
     EXPECT_EQ(getToken(c.text, "-", c.from, c.to), c.want)
         << c.text << " " << c.from << ".." << c.to;
   EXPECT_EQ(getToken("7<>8<>9", "<>", 2, 3), "8<>9");
+  EXPECT_EQ(getToken("aaa", "aa", 2, 0), "a");  // the search goes on after the whole delimiter
   EXPECT_EQ(getToken("1-2", "", 1, 0), "1-2");  // an empty delimiter never matches
 }
 
@@ -76,13 +77,13 @@ TEST(NormalMove, OnlyLowerCaseXBecomesADash) {
 }
 
 TEST(FieldGeometry, EveryFieldSitsInItsSquareAndMapsBack) {
-  const double lightFirst[5] = {-3.57, -1.57, 0.43, 2.43, 4.43};
-  const double darkFirst[5] = {-4.57, -2.57, -0.57, 1.43, 3.43};
+  // Rows that begin with a light square, then rows that begin with a dark one.
+  const double rowX[2][5] = {{-3.57, -1.57, 0.43, 2.43, 4.43}, {-4.57, -2.57, -0.57, 1.43, 3.43}};
   for (int f = 1; f <= 50; ++f) {
     float x = 0, y = 0;
     fieldToBoard(static_cast<int16_t>(f), x, y);
     const int row = (f - 1) / 5;
-    EXPECT_FLOAT_EQ(x, static_cast<float>((row % 2 ? darkFirst : lightFirst)[(f - 1) % 5])) << f;
+    EXPECT_FLOAT_EQ(x, static_cast<float>(rowX[row % 2][(f - 1) % 5])) << f;
     EXPECT_FLOAT_EQ(y, 4.5f - static_cast<float>(row)) << f;
     int16_t back = 0;
     boardToField(x, y, back);
