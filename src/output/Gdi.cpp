@@ -374,15 +374,6 @@ HENHMETAFILE CloseEnhMetaFile(HDC hdc) {
   }
 }
 
-uint32_t GetEnhMetaFileBits(HENHMETAFILE hemf, uint32_t size, uint8_t* buffer) {
-  if (!isLive(hemf)) return 0;
-  const auto total = static_cast<uint32_t>(hemf->bytes.size());
-  if (!buffer) return total;
-  if (size < total) return 0;
-  std::copy(hemf->bytes.begin(), hemf->bytes.end(), buffer);
-  return total;
-}
-
 BOOL DeleteEnhMetaFile(HENHMETAFILE hemf) {
   return take(hemf, [](const EnhMetaFile&) { return true; }) ? 1 : 0;
 }

@@ -64,9 +64,6 @@ BOOL BitBlt(HDC hdc, int32_t x, int32_t y, int32_t cx, int32_t cy, HDC hdcSrc, i
 // Ends the recording and writes the file. The context is released either way; the metafile's
 // handle, or 0 when the file could not be written.
 HENHMETAFILE CloseEnhMetaFile(HDC hdc);
-// Copies the metafile's bytes into buffer (when it is not null and holds size bytes) and returns
-// the metafile's size; 0 for a bad handle or a buffer too small.
-uint32_t GetEnhMetaFileBits(HENHMETAFILE hemf, uint32_t size, uint8_t* buffer);
 // Releases the handle; the file stays on disk.
 BOOL DeleteEnhMetaFile(HENHMETAFILE hemf);
 

@@ -1,0 +1,214 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include "ostrel/HeadlessPlatform.h"
+#include "ostrel/ctlBoard.h"
+#include "output/ModPrintScreen.h"
+
+namespace ostrel {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace output;
+using Words = std::vector<uint32_t>;
+
+Words W(std::initializer_list<int64_t> values) {
+  Words out;
+  for (int64_t v : values) out.push_back(static_cast<uint32_t>(v));
+  return out;
+}
+
+// A metafile read back: its bytes and where each record starts, walked by the records' sizes.
+struct Emf {
+  std::vector<uint8_t> bytes;
+  std::vector<size_t> at;
+  uint32_t u32(size_t i) const {
+    return bytes.at(i) | bytes.at(i + 1) << 8 | bytes.at(i + 2) << 16 |
+           uint32_t(bytes.at(i + 3)) << 24;
+  }
+  Words words(size_t from, size_t n) const {
+    Words out;
+    for (size_t i = 0; i < n; ++i) out.push_back(u32(from + 4 * i));
+    return out;
+  }
+  // The bitmap with its 40-byte header at bmi and rows at bits, as top-down RGBA.
+  Image dib(size_t bmi, size_t bits) const {
+    const int w = int(u32(bmi + 4)), h = int(u32(bmi + 8)), bpp = int(u32(bmi + 12) >> 16) / 8;
+    const size_t stride = (size_t(w) * bpp + 3) / 4 * 4;
+    Image image{w, std::abs(h), {}};
+    for (int y = 0; y < image.height; ++y)
+      for (int x = 0; x < w; ++x) {
+        const size_t p = bits + stride * size_t(h > 0 ? h - 1 - y : y) + size_t(x) * bpp;
+        image.rgba.insert(image.rgba.end(), {bytes.at(p + 2), bytes.at(p + 1), bytes.at(p), 255});
+      }
+    return image;
+  }
+};
+
+std::optional<Emf> readEmf(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  Emf f{{std::istreambuf_iterator<char>(in), {}}, {}};
+  for (size_t at = 0; at < f.bytes.size(); at += f.u32(at + 4)) {
+    const uint32_t size = f.u32(at + 4);
+    if (size < 8 || size % 4 || size > f.bytes.size() - at) return std::nullopt;
+    f.at.push_back(at);
+  }
+  return f;
+}
+
+// Checks every record and field of the dump of client from a window that showed picture.
+void expectDump(const std::string& path, const Image& picture, const RECT& c,
+                std::initializer_list<int64_t> frame, const ScreenMetrics& m) {
+  auto f = readEmf(path);
+  ASSERT_TRUE(f && f->at.size() == 5) << path;
+  const int64_t w = c.right - c.left, h = c.bottom - c.top, stride = (w * 3 + 3) / 4 * 4;
+  const size_t b = f->at[2];
+  EXPECT_EQ(f->words(0, 6), W({1, 108, 0, 0, w - 1, h - 1}));
+  EXPECT_EQ(f->words(24, 4), W(frame));
+  EXPECT_EQ(f->words(40, 17), W({0x464D4520, 0x10000, int64_t(f->bytes.size()), 5, 1, 0, 0, 0,
+                                 m.widthPixels, m.heightPixels, m.widthMm, m.heightMm, 0, 0, 0,
+                                 m.widthMm * 1000, m.heightMm * 1000}));
+  EXPECT_EQ(f->words(108, 3), W({21, 12, 4}));  // HALFTONE
+  EXPECT_EQ(
+      f->words(b, 35),
+      W({76, 140 + stride * h, 0,      0,          w - 1,      h - 1, 0,          0,          w,
+         h,  0xCC0020,         c.left, c.top,      0x3F800000, 0,     0,          0x3F800000, 0,
+         0,  0xFFFFFF,         0,      100,        40,         140,   stride * h, 40,         w,
+         h,  1 | 24 << 16,     0,      stride * h, 0,          0,     0,          0}));
+  std::vector<uint8_t> want;  // the client area of the picture, opaque
+  for (int y = c.top; y < c.bottom; ++y)
+    for (int x = c.left; x < c.right; ++x)
+      for (int k = 0; k < 4; ++k)
+        want.push_back(k == 3 ? 255 : picture.rgba[(size_t(y) * picture.width + x) * 4 + k]);
+  EXPECT_TRUE(f->dib(b + 100, b + 140).rgba == want);
+  EXPECT_EQ(f->words(f->at[3], 3), W({21, 12, 1}));  // back to BLACKONWHITE
+  EXPECT_EQ(f->words(f->at[4], 5), W({14, 20, 0, 16, 20}));
+}
+
+struct TempDir {
+  fs::path path = [] {
+    std::string name = (fs::temp_directory_path() / "ostrel-emf-XXXXXX").string();
+    return fs::path(mkdtemp(name.data()));
+  }();
+  ~TempDir() { fs::remove_all(path); }
+  std::string operator/(const std::string& name) const { return (path / name).string(); }
+  long entries() const { return std::distance(fs::directory_iterator(path), {}); }
+};
+
+HeadlessOptions window(int w, int h, ScreenMetrics m = {508, 286, 1920, 1080}) {
+  HeadlessOptions o;
+  o.pixelWidth = w, o.pixelHeight = h;
+  o.screenWidthMm = m.widthMm, o.screenHeightMm = m.heightMm;
+  o.screenWidthPixels = m.widthPixels, o.screenHeightPixels = m.heightPixels;
+  return o;
+}
+
+// A window whose every pixel differs from its neighbours in each channel.
+class PatternPlatform : public HeadlessPlatform {
+ public:
+  explicit PatternPlatform(HeadlessOptions o) : HeadlessPlatform(o), o_(o) {}
+  Image windowImage() const override {
+    Image image{o_.pixelWidth, o_.pixelHeight, {}};
+    for (int y = 0; y < image.height; ++y)
+      for (int x = 0; x < image.width; ++x)
+        image.rgba.insert(image.rgba.end(), {uint8_t(x * 17 + y), uint8_t(y * 29 + x * 3),
+                                             uint8_t((x * y) ^ 0x5A), 255});
+    return image;
+  }
+  HeadlessOptions o_;
+};
+
+TEST(ScreenDump, WindowBeforeAnyFrameShowsTheBackColour) {
+  TempDir dir;
+  HeadlessPlatform p;
+  ctlBoard board(p);
+  board.ambientBackColor(0x00336699);
+  HENHMETAFILE mf = ModPrintScreen::writeWindowMetafile(&p, dir / "back.emf");
+  ASSERT_TRUE(mf);
+  EXPECT_EQ(DeleteEnhMetaFile(mf), 1);
+  EXPECT_EQ(DeleteEnhMetaFile(mf), 0);
+  // 640 * 50700 / 1920 = 16900, 480 * 28500 / 1080 = 12666.7
+  expectDump(dir / "back.emf", p.windowImage(), {0, 0, 640, 480}, {0, 0, 16900, 12667},
+             p.screenMetrics());
+  Image shown = readEmf(dir / "back.emf")->dib(220, 260);
+  EXPECT_EQ(Words(shown.rgba.end() - 4, shown.rgba.end()), W({0x33, 0x66, 0x99, 255}));
+}
+
+TEST(ScreenDump, PixelsKeepTheirPlaceAndFrameTiesRoundToEven) {
+  TempDir dir;
+  PatternPlatform odd(window(13, 7));                          // rows padded to 40 bytes
+  std::ofstream(dir / "pattern") << std::string(100000, 'x');  // replaced, not appended to
+  DeleteEnhMetaFile(ModPrintScreen::writeWindowMetafile(&odd, dir / "pattern"));
+  // 13 * 50700 / 1920 = 343.28, 7 * 28500 / 1080 = 184.72
+  expectDump(dir / "pattern", odd.windowImage(), {0, 0, 13, 7}, {0, 0, 343, 185},
+             odd.screenMetrics());
+  EXPECT_EQ(dir.entries(), 1);  // the name kept as given, no extension added
+
+  PatternPlatform p(window(5, 6, {2, 3, 8, 16}));
+  HDC hdc = GetDC(&p);
+  DeleteEnhMetaFile(ModPrintScreen::writeDcMetafile(hdc, {1, 1, 3, 5}, dir / "ties.emf"));
+  EXPECT_EQ(ReleaseDC(&p, hdc), 1);
+  // 1 * 100 / 8 = 12.5, 3 * 100 / 8 = 37.5, 1 * 200 / 16 = 12.5, 5 * 200 / 16 = 62.5
+  expectDump(dir / "ties.emf", p.windowImage(), {1, 1, 3, 5}, {12, 12, 38, 62}, p.screenMetrics());
+}
+
+TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
+  TempDir dir;
+  HeadlessPlatform p;
+  fs::create_directory(dir / "folder");
+  for (const std::string& name : {dir / "missing/x.emf", std::string(), dir / "folder"}) {
+    EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&p, name)) << name;
+  }
+  if (fs::exists("/dev/full")) {  // made, but the bytes find no room
+    EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&p, "/dev/full"));
+  }
+  // Arithmetic that 32 bits cannot hold, or no resolution, makes no file.
+  PatternPlatform huge(window(4, 4, {30000000, 286, 1920, 1080}));
+  PatternPlatform flat(window(4, 4, {508, 286, 1920, 0}));
+  EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&huge, dir / "huge.emf"));
+  EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&flat, dir / "flat.emf"));
+  EXPECT_EQ(dir.entries(), 1);
+  EXPECT_TRUE(fs::is_empty(dir.path / "folder"));
+}
+
+TEST(ScreenDump, ReadOnlyFileIsLeftAlone) {
+  if (geteuid() == 0) GTEST_SKIP() << "root writes read-only files anyway";
+  TempDir dir;
+  std::ofstream(dir / "locked.emf") << "keep";
+  fs::permissions(dir / "locked.emf", fs::perms::owner_read);
+  HeadlessPlatform p;
+  EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&p, dir / "locked.emf"));
+  EXPECT_EQ(fs::file_size(dir / "locked.emf"), 4u);
+}
+
+TEST(Gdi, HandlesAreCheckedAndReleasedOnce) {
+  TempDir dir;
+  HeadlessPlatform p, other;
+  EXPECT_FALSE(GetDC(nullptr));
+  HDC hdc = GetDC(&p);
+  EXPECT_EQ(ReleaseDC(&other, hdc), 0);  // another window's: refused, still usable
+  const RECT frame{0, 0, 10, 10};
+  EXPECT_FALSE(CreateEnhMetaFileA(hdc, (dir / "d.emf").c_str(), &frame, "app\0title\0"));
+  HDC mf = CreateEnhMetaFileA(hdc, (dir / "a.emf").c_str(), &frame, nullptr);
+  EXPECT_EQ(GetDeviceCaps(mf, VERTSIZE), 286);  // the reference screen's
+  EXPECT_EQ(SetStretchBltMode(mf, 5), 0);
+  EXPECT_EQ(SetStretchBltMode(mf, COLORONCOLOR), BLACKONWHITE);
+  EXPECT_EQ(BitBlt(hdc, 0, 0, 1, 1, mf, 0, 0, SRCCOPY), 0);  // only into a metafile
+  EXPECT_EQ(ReleaseDC(&p, mf), 0);
+  EXPECT_FALSE(CloseEnhMetaFile(hdc));
+  HENHMETAFILE h = CloseEnhMetaFile(mf);
+  EXPECT_TRUE(h);
+  EXPECT_FALSE(CloseEnhMetaFile(mf));
+  EXPECT_EQ(readEmf(dir / "a.emf")->words(108, 3), W({21, 12, 3}));
+  EXPECT_EQ(DeleteEnhMetaFile(h), 1);
+  EXPECT_EQ(ReleaseDC(&p, hdc), 1);
+  EXPECT_EQ(ReleaseDC(&p, hdc), 0);
+  EXPECT_EQ(GetDeviceCaps(hdc, HORZRES), 0);
+}
+
+}  // namespace
+}  // namespace ostrel
