@@ -1,7 +1,7 @@
 #include "board/NumberText.h"
 
-#include <cstdlib>
-#include <string>
+#include <charconv>
+#include <cmath>
 
 namespace ostrel::board {
 
@@ -24,17 +24,26 @@ double leadingNumber(std::string_view text) {
   }
   if (digits == 0) return 0;
   // An exponent counts only when digits follow it.
+  bool negativeExponent = false;
   if (i < text.size() && (text[i] == 'e' || text[i] == 'E')) {
     size_t j = i + 1;
-    if (j < text.size() && (text[j] == '+' || text[j] == '-')) ++j;
+    bool minus = j < text.size() && text[j] == '-';
+    if (j < text.size() && (text[j] == '+' || minus)) ++j;
     if (j < text.size() && isDigit(text[j])) {
+      negativeExponent = minus;
       while (j < text.size() && isDigit(text[j])) ++j;
       i = j;
     }
   }
-  // strtod reads a terminated copy of exactly the scanned characters; it saturates on overflow.
-  std::string number(text.substr(start, i - start));
-  return std::strtod(number.c_str(), nullptr);
+  // from_chars reads the scanned characters whatever the host's locale says about decimal points.
+  std::string_view number = text.substr(start, i - start);
+  bool negative = number[0] == '-';
+  if (number[0] == '+' || negative) number.remove_prefix(1);
+  double value = 0;
+  auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
+  (void)end;
+  if (ec == std::errc::result_out_of_range) value = negativeExponent ? 0.0 : HUGE_VAL;
+  return negative ? -value : value;
 }
 
 }  // namespace ostrel::board
