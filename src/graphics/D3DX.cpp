@@ -117,15 +117,13 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
     throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no mesh in " + path);
   }
 
-  // The materials in file order; Assimp's stand-in for a mesh without any counts as none.
+  // The materials in file order. The reader makes a nameless stand-in for a mesh without a
+  // material list; it counts as none.
   auto buffer = std::make_shared<D3DXBuffer>();
   for (unsigned i = 0; i < scene->mNumMaterials; ++i) {
     const aiMaterial& m = *scene->mMaterials[i];
     aiString name;
-    if (scene->mNumMaterials == 1 && m.Get(AI_MATKEY_NAME, name) == AI_SUCCESS &&
-        std::strcmp(name.C_Str(), AI_DEFAULT_MATERIAL_NAME) == 0) {
-      break;
-    }
+    if (scene->mNumMaterials == 1 && m.Get(AI_MATKEY_NAME, name) != AI_SUCCESS) break;
     D3DXMATERIAL x;
     x.MatD3D.Diffuse = colour(m, AI_MATKEY_COLOR_DIFFUSE, 1.0f);
     x.MatD3D.Ambient = {0, 0, 0, 0};

@@ -1,0 +1,271 @@
+#include "support/GraphicsFixture.h"
+
+#include <stb_image_write.h>
+#include <stdlib.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+#include "graphics/GraphicsContext.h"
+
+namespace ostrel::testing {
+
+TempFolder::TempFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "ostrel-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
+  path_ = pattern;
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ec;
+  std::filesystem::remove_all(path_, ec);
+}
+
+void TempFolder::write(const std::string& relative, const std::string& bytes) const {
+  const auto file = path_ / relative;
+  std::filesystem::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
+namespace {
+
+void vectors(std::ostringstream& out, const std::vector<std::array<float, 3>>& list) {
+  out << list.size() << ";\n";
+  for (size_t i = 0; i < list.size(); ++i) {
+    out << list[i][0] << ";" << list[i][1] << ";" << list[i][2] << ";"
+        << (i + 1 < list.size() ? ",\n" : ";\n");
+  }
+}
+
+void faceList(std::ostringstream& out, const std::vector<std::vector<int>>& list) {
+  out << list.size() << ";\n";
+  for (size_t i = 0; i < list.size(); ++i) {
+    out << list[i].size() << ";";
+    for (size_t k = 0; k < list[i].size(); ++k) out << (k ? "," : "") << list[i][k];
+    out << (i + 1 < list.size() ? ";,\n" : ";;\n");
+  }
+}
+
+}  // namespace
+
+std::string XModel::text() const {
+  std::ostringstream out;
+  out << std::fixed;  // the reader wants a decimal point in every number of a matrix
+  out << "xof 0303txt 0032\n\n";
+  if (!frameMatrix.empty()) {
+    out << "Frame Root {\n FrameTransformMatrix {\n";
+    for (size_t i = 0; i < 16; ++i) out << frameMatrix[i] << (i < 15 ? "," : ";;\n");
+    out << " }\n";
+  }
+  out << "Mesh Model {\n";
+  vectors(out, positions);
+  faceList(out, this->faces);
+  if (!normals.empty()) {
+    out << "MeshNormals {\n";
+    vectors(out, normals);
+    faceList(out, this->faces);
+    out << "}\n";
+  }
+  if (!uvs.empty()) {
+    out << "MeshTextureCoords {\n" << uvs.size() << ";\n";
+    for (size_t i = 0; i < uvs.size(); ++i) {
+      out << uvs[i][0] << ";" << uvs[i][1] << ";" << (i + 1 < uvs.size() ? ",\n" : ";\n");
+    }
+    out << "}\n";
+  }
+  if (!materials.empty()) {
+    out << "MeshMaterialList {\n" << materials.size() << ";\n" << this->faces.size() << ";\n";
+    for (size_t i = 0; i < this->faces.size(); ++i) {
+      out << (i < faceMaterial.size() ? faceMaterial[i] : 0)
+          << (i + 1 < this->faces.size() ? ",\n" : ";\n");
+    }
+    for (size_t i = 0; i < materials.size(); ++i) {
+      const XMaterial& m = materials[i];
+      out << "Material M" << i << " {\n " << m.r << ";" << m.g << ";" << m.b << ";" << m.a
+          << ";;\n 0.0;\n 0.0;0.0;0.0;;\n " << m.emissiveR << ";" << m.emissiveG << ";"
+          << m.emissiveB << ";;\n";
+      if (!m.texture.empty()) out << " TextureFilename { \"" << m.texture << "\"; }\n";
+      out << "}\n";
+    }
+    out << "}\n";
+  }
+  out << "}\n";
+  if (!frameMatrix.empty()) out << "}\n";
+  return out.str();
+}
+
+XModel quadModel(float h, float y, const XMaterial& material) {
+  XModel m;
+  m.positions = {{-h, y, -h}, {-h, y, h}, {h, y, h}, {h, y, -h}};
+  m.faces = {{0, 1, 2, 3}};
+  m.normals = {{0, 1, 0}, {0, 1, 0}, {0, 1, 0}, {0, 1, 0}};
+  m.uvs = {{0, 1}, {0, 0}, {1, 0}, {1, 1}};
+  m.materials = {material};
+  m.faceMaterial = {0};
+  return m;
+}
+
+XModel discModel(float r, float y, int n, const XMaterial& material) {
+  XModel m;
+  std::vector<int> face;
+  for (int i = 0; i < n; ++i) {
+    // Clockwise seen from above: the angle runs from +z towards +x.
+    const double t = 2 * M_PI * i / n;
+    m.positions.push_back(
+        {static_cast<float>(r * std::sin(t)), y, static_cast<float>(r * std::cos(t))});
+    m.normals.push_back({0, 1, 0});
+    m.uvs.push_back({0.5f, 0.5f});
+    face.push_back(i);
+  }
+  m.faces = {face};
+  m.materials = {material};
+  m.faceMaterial = {0};
+  return m;
+}
+
+XModel cubeModel(float h, const XMaterial& material) {
+  XModel m;
+  // Each side: four corners clockwise seen from outside, and its normal.
+  const std::array<std::array<float, 3>, 6> normal = {
+      {{0, 1, 0}, {0, -1, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, -1}}};
+  const std::array<std::array<std::array<float, 3>, 4>, 6> corners = {{
+      {{{-h, h, -h}, {-h, h, h}, {h, h, h}, {h, h, -h}}},
+      {{{-h, -h, -h}, {h, -h, -h}, {h, -h, h}, {-h, -h, h}}},
+      {{{h, -h, -h}, {h, h, -h}, {h, h, h}, {h, -h, h}}},
+      {{{-h, -h, -h}, {-h, -h, h}, {-h, h, h}, {-h, h, -h}}},
+      {{{-h, -h, h}, {h, -h, h}, {h, h, h}, {-h, h, h}}},
+      {{{-h, -h, -h}, {-h, h, -h}, {h, h, -h}, {h, -h, -h}}},
+  }};
+  for (size_t side = 0; side < 6; ++side) {
+    std::vector<int> face;
+    for (const auto& c : corners[side]) {
+      face.push_back(static_cast<int>(m.positions.size()));
+      m.positions.push_back(c);
+      m.normals.push_back(normal[side]);
+      m.uvs.push_back({0, 0});
+    }
+    m.faces.push_back(face);
+    m.faceMaterial.push_back(0);
+  }
+  m.materials = {material};
+  return m;
+}
+
+std::string pngBytes(int width, int height, const std::vector<uint8_t>& rgba) {
+  std::string bytes;
+  stbi_write_png_to_func(
+      [](void* context, void* data, int size) {
+        static_cast<std::string*>(context)->append(static_cast<const char*>(data),
+                                                   static_cast<size_t>(size));
+      },
+      &bytes, width, height, 4, rgba.data(), width * 4);
+  return bytes;
+}
+
+std::string solidPng(uint8_t r, uint8_t g, uint8_t b, int size) {
+  std::vector<uint8_t> rgba;
+  for (int i = 0; i < size * size; ++i) rgba.insert(rgba.end(), {r, g, b, 255});
+  return pngBytes(size, size, rgba);
+}
+
+namespace {
+HeadlessOptions sized(HeadlessOptions o, int width, int height) {
+  o.pixelWidth = width;
+  o.pixelHeight = height;
+  return o;
+}
+}  // namespace
+
+GraphicsFixture::GraphicsFixture(int width, int height, HeadlessOptions options)
+    : platform(sized(options, width, height)), board(platform) {
+  platform.useManualClock(1000, 3600.0f);
+  ControlState& s = state();
+  s.pic.Width = static_cast<float>(width) * platform.TwipsPerPixelX();
+  s.pic.Height = static_cast<float>(height) * platform.TwipsPerPixelY();
+  platform.placePicture(width, height);
+  // Start-up would have hidden the status frame by the first frame.
+  s.label1.Visible = s.lblStatus.Visible = s.lblProgress.Visible = false;
+}
+
+GraphicsFixture::~GraphicsFixture() {
+  graphics::GraphicsContext& context = graphics::graphicsContext();
+  context.device.reset();
+  context.direct3D.reset();
+  context.platform = nullptr;
+  context.baseDirectory.clear();
+}
+
+bool GraphicsFixture::startDevice(int32_t multiSampleType) {
+  using namespace graphics;
+  GraphicsContext& context = graphicsContext();
+  context.platform = &platform;
+  context.baseDirectory = folder.str();
+  context.direct3D = Direct3DCreate(platform);
+  if (!context.direct3D) return false;
+  D3DDISPLAYMODE mode;
+  context.direct3D->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, mode);
+  D3DPRESENT_PARAMETERS& pp = context.presentParameters;
+  pp = D3DPRESENT_PARAMETERS();
+  pp.Windowed = 1;
+  pp.SwapEffect = multiSampleType ? D3DSWAPEFFECT_DISCARD : D3DSWAPEFFECT_COPY_VSYNC;
+  pp.BackBufferFormat = mode.Format;
+  pp.BackBufferCount = 1;
+  pp.EnableAutoDepthStencil = 1;
+  pp.AutoDepthStencilFormat = D3DFMT_D16;
+  pp.MultiSampleType = multiSampleType;
+  context.device = context.direct3D->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, &platform,
+                                                  D3DCREATE_HARDWARE_VERTEXPROCESSING, pp);
+  context.device->SetVertexShader(0x1C4);
+  context.device->SetRenderState(D3DRS_ZENABLE, 1);
+  context.device->SetRenderState(D3DRS_AMBIENT, 0xFFFFFFFF);
+  return true;
+}
+
+void GraphicsFixture::writeModel(const std::string& name, const XModel& model) const {
+  folder.write("models/" + name, model.text());
+}
+
+void GraphicsFixture::writeFile(const std::string& name, const std::string& bytes) const {
+  folder.write("models/" + name, bytes);
+}
+
+Image GraphicsFixture::frame() {
+  board.render();
+  return platform.windowImage();
+}
+
+void GraphicsFixture::pixelOf(float x, float y, float z, int& px, int& py) {
+  using namespace graphics;
+  ControlState& s = state();
+  D3DVIEWPORT8 viewport;
+  device().GetViewport(viewport);
+  D3DVECTOR screen;
+  D3DXVec3Project(screen, D3DVECTOR{x, y, z}, viewport, s.projectionMatrix, s.viewMatrix,
+                  s.worldMatrix);
+  px = static_cast<int>(std::floor(screen.x));
+  py = static_cast<int>(std::floor(screen.y));
+}
+
+std::array<int, 4> pixel(const Image& image, int x, int y) {
+  if (x < 0 || y < 0 || x >= image.width || y >= image.height) return {-1, -1, -1, -1};
+  const size_t i =
+      (static_cast<size_t>(y) * static_cast<size_t>(image.width) + static_cast<size_t>(x)) * 4;
+  return {image.rgba[i], image.rgba[i + 1], image.rgba[i + 2], image.rgba[i + 3]};
+}
+
+int countNot(const Image& image, std::array<int, 3> colour, int tolerance) {
+  int n = 0;
+  for (size_t i = 0; i + 3 < image.rgba.size(); i += 4) {
+    for (int c = 0; c < 3; ++c) {
+      if (std::abs(image.rgba[i + static_cast<size_t>(c)] - colour[static_cast<size_t>(c)]) >
+          tolerance) {
+        ++n;
+        break;
+      }
+    }
+  }
+  return n;
+}
+
+}  // namespace ostrel::testing

@@ -1,0 +1,94 @@
+#pragma once
+// A control on the real offscreen device, set up without start-up: the Direct3D object and a
+// device go straight into the thread's graphics context, and the meshes are loaded by hand from
+// small models that the test writes into a temporary folder.
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "control/ControlAccess.h"
+#include "graphics/GraphicsContext.h"
+#include "graphics/d3d8.h"
+#include "ostrel/HeadlessPlatform.h"
+
+namespace ostrel::testing {
+
+// A folder under the system's temporary directory, removed with everything in it at the end.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  std::string str() const { return path_.string(); }
+  // Writes bytes to a file below the folder, making the folders on the way.
+  void write(const std::string& relative, const std::string& bytes) const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+struct XMaterial {
+  float r = 1, g = 1, b = 1, a = 1;
+  float emissiveR = 0, emissiveG = 0, emissiveB = 0;
+  std::string texture;  // empty: no TextureFilename
+};
+
+// A model in the text .x form: one Mesh, optionally inside a Frame with a transform.
+struct XModel {
+  std::vector<std::array<float, 3>> positions;
+  std::vector<std::vector<int>> faces;
+  std::vector<std::array<float, 3>> normals;  // per vertex, faces index them alike; empty: none
+  std::vector<std::array<float, 2>> uvs;      // per vertex; empty: none
+  std::vector<XMaterial> materials;           // empty: no material list
+  std::vector<int> faceMaterial;              // per face
+  std::vector<float> frameMatrix;             // 16 values, row-vector form; empty: no frame
+  std::string text() const;
+};
+
+// A horizontal square of half-size h at height y, facing up (clockwise seen from above), with
+// texture coordinates 0..1 (v = 0 at the far edge, +z) and one material.
+XModel quadModel(float h, float y, const XMaterial& material);
+// A flat disc of radius r at height y as one polygon of n corners, facing up.
+XModel discModel(float r, float y, int n, const XMaterial& material);
+// An axis-aligned cube from -h to h with outward normals.
+XModel cubeModel(float h, const XMaterial& material);
+
+// 8-bit RGBA of a solid colour, or of four quadrants (top left, top right, bottom left, bottom
+// right), as PNG bytes.
+std::string pngBytes(int width, int height, const std::vector<uint8_t>& rgba);
+std::string solidPng(uint8_t r, uint8_t g, uint8_t b, int size = 4);
+
+struct GraphicsFixture {
+  explicit GraphicsFixture(int width = 96, int height = 96, HeadlessOptions options = {});
+  ~GraphicsFixture();
+
+  ControlState& state() { return controlState(board); }
+  graphics::Direct3DDevice8& device() { return *graphics::graphicsContext().device; }
+
+  // The Direct3D object and a device as start-up makes them, in the graphics context with the
+  // platform and base directory, and the render states start-up sets. False when there is none.
+  bool startDevice(int32_t multiSampleType = 0);
+  // Writes a model or image under models/ of the base directory.
+  void writeModel(const std::string& name, const XModel& model) const;
+  void writeFile(const std::string& name, const std::string& bytes) const;
+  // Renders a frame and gives what the window shows.
+  Image frame();
+  // The window pixel where a world point appears in the last frame.
+  void pixelOf(float x, float y, float z, int& px, int& py);
+
+  TempFolder folder;
+  HeadlessPlatform platform;
+  ctlBoard board;
+};
+
+// Red, green, blue and alpha of one pixel.
+std::array<int, 4> pixel(const Image& image, int x, int y);
+// How many pixels differ from `colour` by more than tolerance in some channel.
+int countNot(const Image& image, std::array<int, 3> colour, int tolerance = 2);
+
+}  // namespace ostrel::testing
