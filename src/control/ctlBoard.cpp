@@ -10,6 +10,9 @@
 #include "control/StatusFrame.h"
 #include "graphics/Frame.h"
 #include "graphics/GraphicsContext.h"
+#include "graphics/ModelSet.h"
+#include "graphics/Resize.h"
+#include "graphics/Startup.h"
 #include "ostrel/notation.h"
 #include "scene/Markers.h"
 #include "scene/Population.h"
@@ -25,6 +28,7 @@ ctlBoard::ctlBoard(Platform& platform) : s_(std::make_unique<ControlState>(platf
 }
 
 ctlBoard::~ctlBoard() {
+  graphics::releaseDevice();
   s_->platform.detachControl();
 }
 
@@ -183,5 +187,22 @@ int16_t ctlBoard::anisotropyLevel() const {
 void ctlBoard::render() { graphics::render(*s_); }
 void ctlBoard::SetupLights() { graphics::setupLights(*s_); }
 void ctlBoard::Paint() { graphics::render(*s_); }
+
+void ctlBoard::alternativeBoard(const std::string& s) { graphics::setAlternativeBoard(*s_, s); }
+void ctlBoard::alternativePieceWhite(const std::string& s) {
+  graphics::setAlternativePieceWhite(*s_, s);
+}
+void ctlBoard::alternativePieceBlack(const std::string& s) {
+  graphics::setAlternativePieceBlack(*s_, s);
+}
+std::optional<bool> ctlBoard::init(bool qTrans, int32_t qAA, int32_t qShadow,
+                                   const std::string& ap) {
+  return graphics::init(*s_, qTrans, qAA, qShadow, ap);
+}
+void ctlBoard::resize() { graphics::resize(*s_); }
+// A disabled timer delivers no ticks.
+void ctlBoard::Timer1_Timer() {
+  if (s_->timer1.Enabled) graphics::timerTick(*s_);
+}
 
 }  // namespace ostrel

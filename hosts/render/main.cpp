@@ -1,0 +1,70 @@
+// ostrel-render: draws a draughts position on the 3D board without a window and writes it as a
+// PNG file.
+//
+//   ostrel-render [options] [FEN]      (ostrel-render --help lists the options)
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "Position.h"
+#include "ostrel/ostrel.h"
+
+int main(int argc, char** argv) {
+  const std::string program = argc > 0 ? argv[0] : "ostrel-render";
+  std::string error;
+  auto options = render::parseArguments(std::vector<std::string>(argv + 1, argv + argc), error);
+  if (!options) {
+    std::fprintf(stderr, "%s: %s\n\n%s", program.c_str(), error.c_str(),
+                 render::usage(program).c_str());
+    return 2;
+  }
+  if (options->help) {
+    std::printf("%s", render::usage(program).c_str());
+    return 0;
+  }
+
+  ostrel::HeadlessOptions headless;
+  headless.pixelWidth = options->width;
+  headless.pixelHeight = options->height;
+  headless.maxAnisotropy = options->anisotropy;
+  ostrel::HeadlessPlatform platform(headless);
+  ostrel::ctlBoard board(platform);
+
+  if (options->elevation) board.rotationHorizontalAxis(*options->elevation);
+  if (options->azimuth) board.rotationVerticalAxis(*options->azimuth);
+  board.viewingDistance(options->distance);
+  for (int16_t slot = 0; slot < 50; ++slot) {
+    board.field(slot, options->position[static_cast<size_t>(slot)]);
+  }
+  board.drawBoard();
+
+  const auto started =
+      board.init(false, options->antiAliasing, options->shadows ? 1 : 0, options->modelFolder);
+  for (const std::string& message : platform.messages()) {
+    std::fprintf(stderr, "%s: %s\n", program.c_str(), message.c_str());
+  }
+  // A model or image that did not load leaves its part out of the picture: no diagram then.
+  if (!started || !*started || !platform.messages().empty()) {
+    const std::string base =
+        options->modelFolder.empty() ? platform.AppPath() : options->modelFolder;
+    std::fprintf(stderr, "%s: the graphics did not start; see %s/directxlog.txt\n", program.c_str(),
+                 base.c_str());
+    return 1;
+  }
+
+  if (!options->lastMove.empty()) {
+    board.highlightLastMove(true);
+    board.setHighLightField(*render::lastField(options->lastMove));
+  }
+  if (!options->marks.empty()) board.setHLfields(options->marks);
+  board.render();
+
+  if (!platform.saveWindowPng(options->out)) {
+    std::fprintf(stderr, "%s: cannot write %s\n", program.c_str(), options->out.c_str());
+    return 1;
+  }
+  std::printf("%s: wrote %s (%d x %d)\n", program.c_str(), options->out.c_str(), options->width,
+              options->height);
+  return 0;
+}
