@@ -14,6 +14,7 @@
 #include "graphics/Resize.h"
 #include "graphics/Startup.h"
 #include "ostrel/notation.h"
+#include "output/ModPrintScreen.h"
 #include "scene/Markers.h"
 #include "scene/Population.h"
 
@@ -203,6 +204,13 @@ void ctlBoard::resize() { graphics::resize(*s_); }
 // A disabled timer delivers no ticks.
 void ctlBoard::Timer1_Timer() {
   if (s_->timer1.Enabled) graphics::timerTick(*s_);
+}
+
+// A fresh frame, then what the window shows as a metafile; a dump that fails says nothing.
+void ctlBoard::screenDump(const std::string& filename) {
+  render();
+  output::HENHMETAFILE mf = ModPrintScreen::writeWindowMetafile(&s_->platform, filename);
+  if (mf) output::DeleteEnhMetaFile(mf);
 }
 
 }  // namespace ostrel
