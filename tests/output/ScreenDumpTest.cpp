@@ -175,6 +175,41 @@ TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
   EXPECT_TRUE(fs::is_empty(dir.path / "folder"));
 }
 
+// Sees whether the dump's file is there when the frame before it is reported.
+struct FileWatch : ctlBoardEvents {
+  std::string path;
+  std::vector<bool> seen;
+  void afterDraw(float&) override { seen.push_back(fs::exists(path)); }
+};
+
+TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
+  TempDir dir;
+  HeadlessPlatform p(window(96, 64));
+  ctlBoard board(p);
+  FileWatch watch;
+  watch.path = dir / "frame.emf";
+  board.setEventSink(&watch);
+  board.ambientBackColor(0x00204080);
+  for (const std::string& name : {std::string(), dir / "no/such.emf", dir.path.string()}) {
+    board.screenDump(name);
+  }
+  // 96 * 50700 / 1920 = 2535, 64 * 28500 / 1080 = 1688.9
+  board.screenDump(dir / "before.emf");  // no device: whatever the window shows
+  expectDump(dir / "before.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
+             p.screenMetrics());
+  EXPECT_EQ(dir.entries(), 1);
+  EXPECT_TRUE(p.messages().empty());
+
+  ASSERT_EQ(board.init(false, 0, 0), std::optional<bool>(true));
+  const int presents = p.presentCount();
+  watch.seen.clear();
+  board.screenDump(dir / "frame.emf");
+  EXPECT_EQ(p.presentCount(), presents + 1);
+  EXPECT_EQ(watch.seen, std::vector<bool>{false});  // the frame is reported before the file
+  expectDump(dir / "frame.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
+             p.screenMetrics());
+}
+
 TEST(ScreenDump, ReadOnlyFileIsLeftAlone) {
   if (geteuid() == 0) GTEST_SKIP() << "root writes read-only files anyway";
   TempDir dir;
