@@ -246,6 +246,12 @@ std::optional<Options> parseArguments(const std::vector<std::string>& args, std:
         error = "--out needs a file name";
         return std::nullopt;
       }
+    } else if (a == "--emf") {
+      if (!value(o.emf)) return std::nullopt;
+      if (o.emf.empty()) {
+        error = "--emf needs a file name";
+        return std::nullopt;
+      }
     } else if (a == "--fen" || (!a.empty() && a[0] != '-')) {
       std::string text = a;
       if (a == "--fen" && !value(text)) return std::nullopt;
@@ -288,6 +294,8 @@ std::string usage(std::string_view program) {
          "  --no-shadows        draws no shadows under the pieces\n"
          "  --models DIR        the folder that holds models/ (default: the shipped models)\n"
          "  --out FILE.png      where the picture goes (default board.png)\n"
+         "  --emf FILE          also saves the picture as an enhanced metafile (no extension\n"
+         "                      is added)\n"
          "  -h, --help          this text\n";
 }
 

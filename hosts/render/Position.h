@@ -44,6 +44,7 @@ struct Options {
   bool shadows = true;
   std::string modelFolder;  // empty: the shipped models
   std::string out = "board.png";
+  std::string emf;  // also the picture as an enhanced metafile, under this name as given
   bool help = false;
 };
 

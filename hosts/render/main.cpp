@@ -4,6 +4,7 @@
 //   ostrel-render [options] [FEN]      (ostrel-render --help lists the options)
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -66,5 +67,19 @@ int main(int argc, char** argv) {
   }
   std::printf("%s: wrote %s (%d x %d)\n", program.c_str(), options->out.c_str(), options->width,
               options->height);
+
+  if (!options->emf.empty()) {
+    // The control's dump reports nothing: a file that is new, or newer than before, is the sign.
+    std::error_code ec;
+    const auto before = std::filesystem::last_write_time(options->emf, ec);
+    const bool existed = !ec;
+    board.screenDump(options->emf);
+    const auto after = std::filesystem::last_write_time(options->emf, ec);
+    if (ec || (existed && after == before)) {
+      std::fprintf(stderr, "%s: cannot write %s\n", program.c_str(), options->emf.c_str());
+      return 1;
+    }
+    std::printf("%s: wrote %s\n", program.c_str(), options->emf.c_str());
+  }
   return 0;
 }

@@ -189,4 +189,21 @@ TEST_F(RenderProgram, AModelFolderWithoutModelsFailsWithItsLog) {
   EXPECT_NE(read("err.txt").find("Model load failed"), std::string::npos) << read("err.txt");
 }
 
+TEST_F(RenderProgram, AlsoWritesTheMetafileUnderTheNameAsGiven) {
+  const std::string emf = (dir_ / "dump").string();
+  ASSERT_EQ(run("--size 64 --aa 0 --out " + (dir_ / "x.png").string() + " --emf " + emf), 0)
+      << read("err.txt");
+  // A header, two stretch modes, one copy of 64 rows of 64 24-bit pixels, the end record.
+  EXPECT_EQ(std::filesystem::file_size(emf), 108u + 12 + 140 + 64 * 64 * 3 + 12 + 20);
+  char head[44] = {};
+  std::ifstream(emf, std::ios::binary).read(head, sizeof head);
+  EXPECT_EQ(std::string(head + 40, 4), " EMF");
+  EXPECT_NE(run("--size 32 --aa 0 --out " + (dir_ / "y.png").string() + " --emf " +
+                (dir_ / "no" / "x.emf").string()),
+            0);
+  EXPECT_NE(read("err.txt").find("x.emf"), std::string::npos);
+  std::string error;
+  EXPECT_FALSE(render::parseArguments({"--emf", ""}, error));
+}
+
 }  // namespace
