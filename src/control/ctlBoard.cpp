@@ -13,9 +13,13 @@
 #include "graphics/ModelSet.h"
 #include "graphics/Resize.h"
 #include "graphics/Startup.h"
+#include "interaction/Gestures.h"
+#include "interaction/Keyboard.h"
 #include "ostrel/notation.h"
 #include "output/ModPrintScreen.h"
+#include "scene/Animation.h"
 #include "scene/Markers.h"
+#include "scene/Playback.h"
 #include "scene/Population.h"
 
 namespace ostrel {
@@ -204,6 +208,31 @@ void ctlBoard::resize() { graphics::resize(*s_); }
 // A disabled timer delivers no ticks.
 void ctlBoard::Timer1_Timer() {
   if (s_->timer1.Enabled) graphics::timerTick(*s_);
+}
+
+void ctlBoard::showMove(const std::string& strMove) {
+  scene::showMove(*s_, strMove);
+}
+void ctlBoard::initAnimation() {
+  scene::initAnimation(*s_);
+}
+void ctlBoard::animation(double dblTime) {
+  scene::animation(*s_, dblTime);
+}
+void ctlBoard::stopAnimation() {
+  scene::stopAnimation(*s_);
+}
+void ctlBoard::pic_MouseDown(int16_t Button, int16_t Shift, float X, float Y) {
+  interaction::pic_MouseDown(*s_, Button, Shift, X, Y);
+}
+void ctlBoard::pic_MouseMove(int16_t Button, int16_t Shift, float X, float Y) {
+  interaction::pic_MouseMove(*s_, Button, Shift, X, Y);
+}
+void ctlBoard::pic_MouseUp(int16_t Button, int16_t Shift, float X, float Y) {
+  interaction::pic_MouseUp(*s_, Button, Shift, X, Y);
+}
+void ctlBoard::pic_KeyDown(int16_t KeyCode, int16_t Shift) {
+  interaction::pic_KeyDown(*s_, KeyCode, Shift);
 }
 
 // A fresh frame, then what the window shows as a metafile; a dump that fails says nothing.
