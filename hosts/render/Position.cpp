@@ -284,7 +284,7 @@ std::string usage(std::string_view program) {
          "                      the picture's size; discs are round only when it is square\n"
          "  --elevation RAD     camera elevation, radians (default straight above, 1.5708)\n"
          "  --azimuth RAD       camera azimuth, radians (default -3.14159: white at the bottom)\n"
-         "  --distance D        camera distance from the board's centre (default 21.5, the\n"
+         "  --distance D        camera distance from the board's centre (default 22, the\n"
          "                      whole board)\n"
          "  --last-move MOVE    marks the field where MOVE ends, e.g. 32-28\n"
          "  --mark FIELDS       marks fields, e.g. \"7|12\"\n"

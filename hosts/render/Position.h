@@ -17,7 +17,7 @@ inline constexpr int16_t kEmpty = 0, kWhiteMan = 2, kBlackMan = 3, kWhiteKing = 
 using Position = std::array<int16_t, 50>;
 
 // From this far the whole board fits a square picture seen from straight above.
-inline constexpr float kWholeBoardDistance = 21.5f;
+inline constexpr float kWholeBoardDistance = 22.0f;
 
 Position startingPosition();
 
