@@ -134,6 +134,9 @@ std::optional<bool> startDevice(ControlState& s, DiagnosticLog& log) {
   }
   log.line("Creating device succeeded");
 
+  // A second start-up loads into fresh objects: the pieces' scratch positions of earlier frames
+  // must not be baked into the new vertices by the scaling.
+  s.models = ModelSet();
   loadBoardAndMarkers(s);
   log.line("board.x initialised");
   log.line("hl.x initialised");

@@ -156,6 +156,25 @@ TEST(StartupLog, EndOfTheControlDropsTheDevice) {
   EXPECT_FALSE(gfx::graphicsContext().direct3D);
 }
 
+TEST(StartupLog, SecondStartUpDrawsTheSamePicture) {
+  AssetFolder assets;
+  HeadlessPlatform platform(quickOptions(240, 240));
+  ctlBoard board(platform);
+  board.viewingDistance(22);
+  for (int f = 1; f <= 20; ++f) board.field(static_cast<int16_t>(f - 1), 3);
+  for (int f = 31; f <= 50; ++f) board.field(static_cast<int16_t>(f - 1), 2);
+  board.drawBoard();
+  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
+  const ostrel::Image first = platform.windowImage();
+  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
+  EXPECT_EQ(assets.logLines(), completeLog(quickOptions(240, 240))) << "the log is rewritten";
+  const ostrel::Image second = platform.windowImage();
+  ASSERT_EQ(first.rgba.size(), second.rgba.size());
+  size_t differing = 0;
+  for (size_t i = 0; i < first.rgba.size(); ++i) differing += first.rgba[i] != second.rgba[i];
+  EXPECT_EQ(differing, 0u) << "pieces and shadows stand where they stood";
+}
+
 // The multisampling, swap effect and filter level that each qAA gets from an adapter.
 struct Choice {
   int32_t qAA;
