@@ -42,7 +42,7 @@ void clsMesh::init(const Variant& filename, const Variant& alternativeTexture,
     std::shared_ptr<D3DXBuffer> adjacency;
     mesh_ = LoadMeshFromX(modelPath, D3DXMESH_MANAGED, *context.device, &adjacency, materialBuffer,
                           materialCount_);
-  } catch (const D3DError&) {
+  } catch (const std::exception&) {  // a D3DError, or no memory for what the file asks
     showMessage("Model load failed: " + modelPath);
     return;
   }
@@ -66,7 +66,7 @@ void clsMesh::init(const Variant& filename, const Variant& alternativeTexture,
         context.baseDirectory + "/models/" + (alternative.empty() ? name : alternative);
     try {
       textures_[i] = CreateTextureFromFile(*context.device, texturePath);
-    } catch (const D3DError&) {
+    } catch (const std::exception&) {
       showMessage("Texture load failed: " + texturePath);
       return;
     }

@@ -15,46 +15,23 @@ namespace ostrel {
 
 namespace {
 
-// The surfaceless display is one per process; it is initialised while any headless context
-// lives, and terminated with the last one.
-struct SharedDisplay {
-  std::mutex mutex;
-  EGLDisplay display = EGL_NO_DISPLAY;
-  int users = 0;
-};
-
-SharedDisplay& sharedDisplay() {
-  static SharedDisplay shared;
-  return shared;
-}
-
-EGLDisplay acquireDisplay() {
-  SharedDisplay& s = sharedDisplay();
-  std::lock_guard<std::mutex> lock(s.mutex);
-  if (s.users == 0) {
+// The surfaceless display is one per process. It is initialised on first use and stays so until
+// the process ends: terminating it would unload the driver under the feet of any context another
+// platform still holds, and initialising it again costs a driver load.
+EGLDisplay sharedDisplay() {
+  static std::once_flag once;
+  static EGLDisplay display = EGL_NO_DISPLAY;
+  std::call_once(once, [] {
     if (!epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_base") ||
         !epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless")) {
-      return EGL_NO_DISPLAY;
+      return;
     }
     EGLDisplay d =
         eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (d == EGL_NO_DISPLAY) return EGL_NO_DISPLAY;
     EGLint major = 0, minor = 0;
-    if (!eglInitialize(d, &major, &minor)) return EGL_NO_DISPLAY;
-    s.display = d;
-  }
-  ++s.users;
-  return s.display;
-}
-
-void releaseDisplay() {
-  SharedDisplay& s = sharedDisplay();
-  std::lock_guard<std::mutex> lock(s.mutex);
-  if (s.users > 0 && --s.users == 0) {
-    eglTerminate(s.display);
-    eglReleaseThread();
-    s.display = EGL_NO_DISPLAY;
-  }
+    if (d != EGL_NO_DISPLAY && eglInitialize(d, &major, &minor)) display = d;
+  });
+  return display;
 }
 
 }  // namespace
@@ -68,12 +45,11 @@ struct HeadlessPlatform::Context {
       }
       eglDestroyContext(display, context);
     }
-    releaseDisplay();
   }
 
   // An OpenGL 3.3 core context without a surface; false when the system has none to give.
   bool create() {
-    display = acquireDisplay();
+    display = sharedDisplay();
     if (display == EGL_NO_DISPLAY) return false;
     if (!eglBindAPI(EGL_OPENGL_API)) return false;
     EGLConfig config = EGL_NO_CONFIG_KHR;
