@@ -192,6 +192,8 @@ std::optional<bool> init(ControlState& s, bool qTrans, int32_t qAA, int32_t qSha
     error = TrappedError{e.number, GetErrorString(e.number), e.description};
   } catch (const std::exception& e) {
     error = TrappedError{E_FAIL, GetErrorString(E_FAIL), e.what()};
+  } catch (...) {
+    error = TrappedError{E_FAIL, GetErrorString(E_FAIL), "unknown failure"};
   }
   if (error) {
     // Nothing that was made is released, and Timer1 stays off.

@@ -110,6 +110,33 @@ TEST(StartupLog, FailedSoftwareAttemptGoesToTheMessageBox) {
   EXPECT_FALSE(gfx::graphicsContext().device);
 }
 
+// A failure raised by the first frame is trapped like any other; the device stays, the timer not.
+TEST(StartupLog, FailureInTheFirstFrameIsTrapped) {
+  struct Refusing : ostrel::ctlBoardEvents {
+    void afterDraw(float&) override {
+      throw gfx::D3DError(gfx::D3DERR_INVALIDCALL, "the frame was refused");
+    }
+  } refusing;
+  AssetFolder assets;
+  HeadlessPlatform platform(quickOptions());
+  ctlBoard board(platform);
+  board.setEventSink(&refusing);
+  EXPECT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(false));
+  const std::string detail = "-2005530516 D3DERR_INVALIDCALL the frame was refused";
+  ASSERT_EQ(platform.messages().size(), 1u);
+  EXPECT_EQ(platform.messages()[0], kFailureText + detail);
+  std::vector<std::string> expected = firstLines(completeLog(quickOptions()), 16);
+  expected.push_back("DirectX error: " + detail);
+  EXPECT_EQ(assets.logLines(), expected);
+  EXPECT_FALSE(board.Timer1().Enabled);
+  EXPECT_TRUE(gfx::graphicsContext().device) << "what was made stays";
+  EXPECT_TRUE(board.models().boardMesh.visible);
+  board.setEventSink(nullptr);
+  const int presents = platform.presentCount();
+  board.render();
+  EXPECT_EQ(platform.presentCount(), presents + 1) << "later frames use the device";
+}
+
 TEST(StartupLog, LogThatCannotBeOpenedCostsNothingElse) {
   AssetFolder assets;
   // A folder in the log's place: the file cannot be opened, whoever runs the test.
