@@ -16,6 +16,7 @@
 #include <map>
 #include <unordered_map>
 
+#include "graphics/XFileCheck.h"
 #include "graphics/d3d8.h"
 
 namespace ostrel::graphics {
@@ -74,57 +75,6 @@ void walkNodes(const aiNode* node, const aiMatrix4x4& parent,
     walkNodes(node->mChildren[i], m, out, depth + 1);
 }
 
-// Whether every whole number that ends a field (digits, then ';') could count that many items
-// of the file. The reader sizes its arrays from such counts before it reads the items, so a
-// few bytes could otherwise ask for gigabytes.
-bool countsFit(const std::vector<uint8_t>& bytes) {
-  const uint64_t limit = std::max<uint64_t>(bytes.size(), 65536);
-  size_t i = 0;
-  while (i < bytes.size()) {
-    if (!std::isdigit(bytes[i])) {
-      ++i;
-      continue;
-    }
-    const bool partOfWord =
-        i > 0 && (std::isalnum(bytes[i - 1]) || bytes[i - 1] == '.' || bytes[i - 1] == '_');
-    uint64_t value = 0;
-    size_t j = i;
-    while (j < bytes.size() && std::isdigit(bytes[j])) {
-      value = std::min<uint64_t>(value * 10 + (bytes[j] - '0'), limit + 1);
-      ++j;
-    }
-    size_t k = j;
-    while (k < bytes.size() && std::isspace(bytes[k])) ++k;
-    if (!partOfWord && k < bytes.size() && bytes[k] == ';' && value > limit) return false;
-    i = j;
-  }
-  return true;
-}
-
-// Whether the braces of the file's objects pair up, outside strings and comments. A file cut
-// short leaves an object open; it is refused before the reader sees it, because the reader loses
-// the mesh it was building when its parsing fails.
-bool objectsClosed(const std::vector<uint8_t>& bytes) {
-  int64_t depth = 0;
-  size_t i = 16;  // after the header
-  while (i < bytes.size()) {
-    const uint8_t c = bytes[i];
-    if (c == '"') {
-      ++i;
-      while (i < bytes.size() && bytes[i] != '"') ++i;
-      if (i >= bytes.size()) return false;
-    } else if (c == '#' || (c == '/' && i + 1 < bytes.size() && bytes[i + 1] == '/')) {
-      while (i < bytes.size() && bytes[i] != '\n') ++i;
-    } else if (c == '{') {
-      ++depth;
-    } else if (c == '}' && --depth < 0) {
-      return false;
-    }
-    ++i;
-  }
-  return depth == 0;
-}
-
 // Neighbours across each edge of each face, by vertex index.
 std::vector<uint32_t> adjacencyOf(const std::vector<uint32_t>& indices) {
   size_t faces = indices.size() / 3;
@@ -154,13 +104,9 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
                                     std::shared_ptr<D3DXBuffer>& materials,
                                     int32_t& materialCount) {
   std::vector<uint8_t> bytes = readFile(path);
-  // A text .x file starts with "xof ", the version and "txt "; anything else is refused here.
-  if (bytes.size() < 16 || std::memcmp(bytes.data(), "xof ", 4) != 0 ||
-      std::memcmp(bytes.data() + 8, "txt ", 4) != 0) {
-    throw D3DError(D3DXERR_INVALIDDATA, "not a text .x file: " + path);
-  }
-  if (!objectsClosed(bytes)) throw D3DError(D3DXERR_INVALIDDATA, "cut short: " + path);
-  if (!countsFit(bytes)) throw D3DError(D3DXERR_INVALIDDATA, "counts past the end: " + path);
+  // The reader trusts what the file says; a file is checked in full before it gets there.
+  std::string why;
+  if (!checkTextXFile(bytes, why)) throw D3DError(D3DXERR_INVALIDDATA, why + ": " + path);
   Assimp::Importer importer;
   const aiScene* scene = nullptr;
   try {

@@ -5,7 +5,6 @@
 
 #include <cmath>
 
-#include "support/EventRecorder.h"
 #include "support/GraphicsFixture.h"
 
 namespace ostrel::testing {
@@ -27,6 +26,14 @@ void expectColour(const std::array<int, 4>& p, double r, double g, double b, int
   EXPECT_NEAR(p[2], expectByte(b), tolerance);
 }
 
+// Counts the frames the host is told of and keeps their times.
+struct Frames : ctlBoardEvents {
+  explicit Frames(ctlBoard& board) { board.setEventSink(this); }
+  void afterDraw(float& frameTime) override { times.push_back(frameTime); }
+  int count() const { return static_cast<int>(times.size()); }
+  std::vector<float> times;
+};
+
 const XMaterial kBoardColour{0.5f, 0.25f, 0.6f, 1.0f, 0, 0, 0, ""};
 
 // A fixture with a device and a board quad that fills the picture.
@@ -45,11 +52,11 @@ struct Scene : GraphicsFixture {
 
 TEST(Frame, ClearsToTheBackColourAndNeedsADevice) {
   GraphicsFixture f(48, 32);
-  EventRecorder events(f.board);
+  Frames events(f.board);
   f.state().ambientBackColor = 0x112233;
   f.board.render();
   EXPECT_EQ(f.platform.presentCount(), 0);
-  EXPECT_EQ(events.count("afterDraw"), 0);
+  EXPECT_EQ(events.count(), 0);
 
   ASSERT_TRUE(f.startDevice());
   Image image = f.frame();
@@ -198,10 +205,10 @@ TEST(Frame, AspectArgumentIsHeightOverWidth) {
 
 TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
   Scene f;
-  EventRecorder events(f.board);
+  Frames events(f.board);
   f.state().ambientBackColor = 0x000000;
   f.frame();
-  ASSERT_EQ(events.count("afterDraw"), 1);
+  ASSERT_EQ(events.count(), 1);
   const int32_t stamp = f.board.timerAfterLastRender();
 
   f.platform.loseDevice();
@@ -209,7 +216,7 @@ TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
   f.board.render();
   f.board.Paint();
   EXPECT_EQ(f.platform.presentCount(), 1);
-  EXPECT_EQ(events.count("afterDraw"), 1);
+  EXPECT_EQ(events.count(), 1);
   EXPECT_EQ(f.board.timerAfterLastRender(), stamp);
 
   f.platform.makeDeviceResettable();
@@ -217,7 +224,7 @@ TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
   Image image = f.frame();
   EXPECT_EQ(f.platform.resetCount(), 1);
   EXPECT_EQ(f.platform.presentCount(), 2);
-  EXPECT_EQ(events.count("afterDraw"), 2);
+  EXPECT_EQ(events.count(), 2);
   EXPECT_EQ(f.board.timerAfterLastRender(), f.platform.timeGetTime());
   // The board mesh survived the Reset and the frame was whole.
   expectColour(pixel(image, 48, 48), 0.5 * kUpFactor, 0.25 * kUpFactor, 0.6 * kUpFactor);
@@ -228,21 +235,21 @@ TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
 
 TEST(Frame, AfterDrawTimesTheFrameIncludingPresent) {
   Scene f;
-  EventRecorder events(f.board);
+  Frames events(f.board);
   f.platform.frameAdvanceMs(40);
   f.frame();
-  ASSERT_EQ(events.count("afterDraw"), 1);
-  EXPECT_NEAR(events.last("afterDraw").frameTime, 0.040f, 1e-3);
+  ASSERT_EQ(events.count(), 1);
+  EXPECT_NEAR(events.times.back(), 0.040f, 1e-3);
   EXPECT_EQ(f.board.timerAfterLastRender(), 1040);
 }
 
 TEST(Frame, PictureWithoutWidthDrawsNothing) {
   Scene f;
-  EventRecorder events(f.board);
+  Frames events(f.board);
   f.state().pic.Width = 0;
   f.board.render();
   EXPECT_EQ(f.platform.presentCount(), 0);
-  EXPECT_EQ(events.count("afterDraw"), 0);
+  EXPECT_EQ(events.count(), 0);
 }
 
 TEST(SetupLights, FiltersFollowTheAnisotropyLevelAndTheDevice) {
