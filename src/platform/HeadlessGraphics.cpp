@@ -72,7 +72,7 @@ struct HeadlessPlatform::Context {
   EGLDisplay display = EGL_NO_DISPLAY;
   EGLContext context = EGL_NO_CONTEXT;
   bool usable = false;
-  std::vector<uint8_t> pixels;  // the last frame read back, top row first
+  std::vector<uint8_t> pixels;  // the last frame read back, bottom row first
 };
 
 HeadlessPlatform::~HeadlessPlatform() {
@@ -94,27 +94,35 @@ bool HeadlessPlatform::makeContextCurrent() {
 void HeadlessPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) {
   if (!makeContextCurrent()) return;
   std::vector<uint8_t>& source = context_->pixels;
-  if (!graphics::gl::readFramebufferTopDown(framebuffer, width, height, source)) return;
+  if (!graphics::gl::readFramebufferBottomUp(framebuffer, width, height, source)) return;
 
-  // The window shows the frame stretched over pic's client area, opaque.
-  int32_t w = std::max(pictureWidth_, 0), h = std::max(pictureHeight_, 0);
+  // The window shows the frame stretched over pic's client area, top row first, opaque.
+  const int32_t w = std::max(pictureWidth_, 0), h = std::max(pictureHeight_, 0);
   presented_.width = w;
   presented_.height = h;
   presented_.rgba.resize(static_cast<size_t>(w) * h * 4);
-  size_t sourceRow = static_cast<size_t>(width) * 4;
-  if (w == width && h == height) {
-    std::memcpy(presented_.rgba.data(), source.data(), source.size());
-  } else {
-    for (int32_t y = 0; y < h; ++y) {
-      const uint8_t* row = source.data() + static_cast<size_t>(y) * height / h * sourceRow;
-      uint8_t* out = presented_.rgba.data() + static_cast<size_t>(y) * w * 4;
-      for (int32_t x = 0; x < w; ++x) {
-        std::memcpy(out + static_cast<size_t>(x) * 4, row + static_cast<size_t>(x) * width / w * 4,
-                    4);
-      }
+  const size_t sourceRow = static_cast<size_t>(width) * 4;
+  for (int32_t y = 0; y < h; ++y) {
+    const size_t fromTop = static_cast<size_t>(y) * height / h;
+    const uint8_t* row = source.data() + (height - 1 - fromTop) * sourceRow;
+    uint8_t* out = presented_.rgba.data() + static_cast<size_t>(y) * w * 4;
+    if (w == width) {
+      std::memcpy(out, row, sourceRow);
+      continue;
+    }
+    for (int32_t x = 0; x < w; ++x) {
+      std::memcpy(out + static_cast<size_t>(x) * 4, row + static_cast<size_t>(x) * width / w * 4,
+                  4);
     }
   }
-  for (size_t i = 3; i < presented_.rgba.size(); i += 4) presented_.rgba[i] = 255;
+  // Alpha is the top byte of each little-endian pixel word.
+  uint8_t* pixels = presented_.rgba.data();
+  for (size_t i = 0; i < presented_.rgba.size(); i += 4) {
+    uint32_t word;
+    std::memcpy(&word, pixels + i, 4);
+    word |= 0xFF000000u;
+    std::memcpy(pixels + i, &word, 4);
+  }
   presentedAny_ = true;
   ++presentCount_;
   advance(frameAdvanceMs_);

@@ -1,5 +1,6 @@
 // The device layer on OpenGL 3.3 core. The device keeps Direct3D's fixed-function state as plain
-// data and turns it, at each draw, into the uniforms of one shader program and the GL blend,
+// data and turns it, at each draw, into the uniforms of one shader program (compiled in a variant
+// per combination of states in use) and the GL blend,
 // depth, cull and sampler state. Matrices stay row-vector and left-handed; the vertex shader maps
 // Direct3D's clip depth 0..1 to GL's -1..1. GL state that was set is remembered, so a draw issues
 // only the calls that change something.
@@ -28,16 +29,34 @@ namespace {
 
 // ---------------------------------------------------------------------------------------------
 // The program: per-vertex lighting with one directional light, stage 0 colour and alpha
-// operations in the fragment shader.
+// operations in the fragment shader. One source, specialised by the preprocessor for the state
+// of each draw, so that the software rasteriser runs no code for states that are off.
 
-const char* kVertexShader = R"(#version 330 core
+// What a program variant is made for.
+struct ProgramKey {
+  bool normals = false, colours = false, coords = false;  // what the vertices carry
+  bool lighting = false, light0 = false;                  // D3DRS_LIGHTING, light 0 enabled
+  bool texture = false;                                   // a texture on stage 0
+  uint32_t colorOp = 0, alphaOp = 0;                      // stage 0 operations
+  bool colorArg1Texture = false, colorArg2Texture = false;
+  bool alphaArg1Texture = false, alphaArg2Texture = false;
+
+  uint32_t packed() const {
+    auto bit = [](bool b, int at) { return static_cast<uint32_t>(b) << at; };
+    return bit(normals, 0) | bit(colours, 1) | bit(coords, 2) | bit(lighting, 3) | bit(light0, 4) |
+           bit(texture, 5) | bit(colorArg1Texture, 6) | bit(colorArg2Texture, 7) |
+           bit(alphaArg1Texture, 8) | bit(alphaArg2Texture, 9) |
+           (std::min<uint32_t>(colorOp, 31) << 10) | (std::min<uint32_t>(alphaOp, 31) << 15);
+  }
+};
+
+const char* kVertexShader = R"(
 layout(location = 0) in vec3 aPos;
 layout(location = 1) in vec3 aNormal;
 layout(location = 2) in vec4 aColor;
 layout(location = 3) in vec2 aUV;
 uniform mat4 uWorldView;
 uniform mat4 uProj;
-uniform int uFlags;  // 1 normals, 2 vertex colours, 4 texture coordinates, 8 lighting, 16 light 0
 uniform vec3 uLightDir;  // towards the light, view space
 uniform vec3 uLightDiffuse;
 uniform vec3 uLightAmbient;
@@ -50,51 +69,70 @@ out vec2 vUV;
 void main() {
   vec4 c = uProj * (uWorldView * vec4(aPos, 1.0));
   gl_Position = vec4(c.x, c.y, 2.0 * c.z - c.w, c.w);
-  bool hasColor = (uFlags & 2) != 0;
-  if ((uFlags & 8) != 0) {
-    vec4 cd = hasColor ? aColor : uMatDiffuse;
-    vec3 n = (uFlags & 1) != 0 ? mat3(uWorldView) * aNormal : vec3(0.0);
-    vec3 rgb = uMatEmissive + uMatAmbient * uGlobalAmbient;
-    if ((uFlags & 16) != 0) {
-      rgb += uMatAmbient * uLightAmbient + cd.rgb * uLightDiffuse * max(dot(n, uLightDir), 0.0);
-    }
-    vColor = clamp(vec4(rgb, cd.a), 0.0, 1.0);
-  } else {
-    vColor = hasColor ? aColor : vec4(1.0);
-  }
-  vUV = (uFlags & 4) != 0 ? aUV : vec2(0.0);
+#if LIGHTING
+#if COLOURS
+  vec4 cd = aColor;
+#else
+  vec4 cd = uMatDiffuse;
+#endif
+  vec3 rgb = uMatEmissive + uMatAmbient * uGlobalAmbient;
+#if LIGHT0 && NORMALS
+  vec3 n = mat3(uWorldView) * aNormal;
+  rgb += uMatAmbient * uLightAmbient + cd.rgb * uLightDiffuse * max(dot(n, uLightDir), 0.0);
+#elif LIGHT0
+  rgb += uMatAmbient * uLightAmbient;
+#endif
+  vColor = clamp(vec4(rgb, cd.a), 0.0, 1.0);
+#elif COLOURS
+  vColor = aColor;
+#else
+  vColor = vec4(1.0);
+#endif
+#if COORDS
+  vUV = aUV;
+#else
+  vUV = vec2(0.0);
+#endif
 }
 )";
 
-const char* kFragmentShader = R"(#version 330 core
+// COLOR and ALPHA are defined to the stage's expressions over t (the texel) and vColor.
+const char* kFragmentShader = R"(
 in vec4 vColor;
 in vec2 vUV;
 uniform sampler2D uTex;
-uniform int uTexOn;
-uniform ivec3 uColorStage;  // operation, argument 1, argument 2
-uniform ivec3 uAlphaStage;
 out vec4 fragColor;
-vec4 arg(int a, vec4 t) { return (a & 15) == 2 ? t : vColor; }
-vec4 combine(ivec3 s, vec4 t) {
-  vec4 a1 = arg(s.y, t);
-  vec4 a2 = arg(s.z, t);
-  if (s.x == 2) return a1;
-  if (s.x == 3) return a2;
-  if (s.x == 4) return a1 * a2;
-  if (s.x == 5) return a1 * a2 * 2.0;
-  if (s.x == 6) return a1 * a2 * 4.0;
-  if (s.x == 7) return a1 + a2;
-  return vColor;
-}
 void main() {
-  if (uTexOn == 0) {
-    fragColor = vColor;
-    return;
-  }
+#if TEXTURE
   vec4 t = texture(uTex, vUV);
-  fragColor = clamp(vec4(combine(uColorStage, t).rgb, combine(uAlphaStage, t).a), 0.0, 1.0);
+  fragColor = clamp(vec4(COLOR, ALPHA), 0.0, 1.0);
+#else
+  fragColor = vColor;
+#endif
 }
 )";
+
+// The GLSL of one stage operation on its two arguments; anything else passes the diffuse colour.
+std::string stageExpression(uint32_t op, bool arg1Texture, bool arg2Texture, const char* part) {
+  const std::string a1 = std::string(arg1Texture ? "t" : "vColor") + part;
+  const std::string a2 = std::string(arg2Texture ? "t" : "vColor") + part;
+  switch (op) {
+    case D3DTOP_SELECTARG1:
+      return a1;
+    case D3DTOP_SELECTARG2:
+      return a2;
+    case D3DTOP_MODULATE:
+      return "(" + a1 + " * " + a2 + ")";
+    case 5:
+      return "(" + a1 + " * " + a2 + " * 2.0)";  // MODULATE2X
+    case 6:
+      return "(" + a1 + " * " + a2 + " * 4.0)";  // MODULATE4X
+    case 7:
+      return "(" + a1 + " + " + a2 + ")";  // ADD
+    default:
+      return std::string("vColor") + part;
+  }
+}
 
 void clearErrors() {
   for (int i = 0; i < 16 && glGetError() != GL_NO_ERROR; ++i) {
@@ -138,16 +176,55 @@ struct GlCache {
   float anisotropy = 0;
 };
 
-// The last value given to each uniform of the program.
-struct UniformCache {
+// One compiled variant, its uniform locations, and the last value given to each uniform.
+struct Program {
+  GLuint id = 0;
+  GLint uWorldView = -1, uProj = -1, uLightDir = -1, uLightDiffuse = -1, uLightAmbient = -1,
+        uGlobalAmbient = -1, uMatDiffuse = -1, uMatAmbient = -1, uMatEmissive = -1;
   bool valid = false;
   std::array<float, 16> worldView{}, projection{};
-  int flags = -1, texOn = -1;
   std::array<float, 3> lightDir{}, lightDiffuse{}, lightAmbient{}, globalAmbient{};
   std::array<float, 4> matDiffuse{};
   std::array<float, 3> matAmbient{}, matEmissive{};
-  std::array<int, 3> colorStage{}, alphaStage{};
 };
+
+GLuint linkProgram(const ProgramKey& key) {
+  std::string defines = "#version 330 core\n";
+  auto define = [&](const char* name, const std::string& value) {
+    defines += std::string("#define ") + name + " " + value + "\n";
+  };
+  define("NORMALS", key.normals ? "1" : "0");
+  define("COLOURS", key.colours ? "1" : "0");
+  define("COORDS", key.coords ? "1" : "0");
+  define("LIGHTING", key.lighting ? "1" : "0");
+  define("LIGHT0", key.light0 ? "1" : "0");
+  define("TEXTURE", key.texture ? "1" : "0");
+  define("COLOR", stageExpression(key.colorOp, key.colorArg1Texture, key.colorArg2Texture, ".rgb"));
+  define("ALPHA", stageExpression(key.alphaOp, key.alphaArg1Texture, key.alphaArg2Texture, ".a"));
+  const std::string vsSource = defines + kVertexShader;
+  const std::string fsSource = defines + kFragmentShader;
+  GLuint vs = compileShader(GL_VERTEX_SHADER, vsSource.c_str());
+  GLuint fs = 0;
+  try {
+    fs = compileShader(GL_FRAGMENT_SHADER, fsSource.c_str());
+  } catch (...) {
+    glDeleteShader(vs);
+    throw;
+  }
+  GLuint p = glCreateProgram();
+  glAttachShader(p, vs);
+  glAttachShader(p, fs);
+  glLinkProgram(p);
+  glDeleteShader(vs);
+  glDeleteShader(fs);
+  GLint ok = 0;
+  glGetProgramiv(p, GL_LINK_STATUS, &ok);
+  if (!ok) {
+    glDeleteProgram(p);
+    raise(D3DERR_NOTAVAILABLE, "shader program does not link");
+  }
+  return p;
+}
 
 }  // namespace
 
@@ -158,7 +235,7 @@ struct GlShared {
   explicit GlShared(Platform& p) : platform(&p) {}
   ~GlShared() {
     if (makeCurrent()) {
-      if (program) glDeleteProgram(program);
+      for (auto& [key, p] : programs) glDeleteProgram(p.id);
       if (sampler) glDeleteSamplers(1, &sampler);
     }
   }
@@ -170,45 +247,10 @@ struct GlShared {
     if (!makeCurrent()) raise(D3DERR_DEVICELOST, "the window's OpenGL context is gone");
   }
 
-  void buildProgram() {
-    if (program) return;
-    GLuint vs = compileShader(GL_VERTEX_SHADER, kVertexShader);
-    GLuint fs = 0;
-    try {
-      fs = compileShader(GL_FRAGMENT_SHADER, kFragmentShader);
-    } catch (...) {
-      glDeleteShader(vs);
-      throw;
-    }
-    GLuint p = glCreateProgram();
-    glAttachShader(p, vs);
-    glAttachShader(p, fs);
-    glLinkProgram(p);
-    glDeleteShader(vs);
-    glDeleteShader(fs);
-    GLint ok = 0;
-    glGetProgramiv(p, GL_LINK_STATUS, &ok);
-    if (!ok) {
-      glDeleteProgram(p);
-      raise(D3DERR_NOTAVAILABLE, "shader program does not link");
-    }
-    program = p;
-    auto loc = [&](const char* name) { return glGetUniformLocation(p, name); };
-    uWorldView = loc("uWorldView");
-    uProj = loc("uProj");
-    uFlags = loc("uFlags");
-    uLightDir = loc("uLightDir");
-    uLightDiffuse = loc("uLightDiffuse");
-    uLightAmbient = loc("uLightAmbient");
-    uGlobalAmbient = loc("uGlobalAmbient");
-    uMatDiffuse = loc("uMatDiffuse");
-    uMatAmbient = loc("uMatAmbient");
-    uMatEmissive = loc("uMatEmissive");
-    uTexOn = loc("uTexOn");
-    uColorStage = loc("uColorStage");
-    uAlphaStage = loc("uAlphaStage");
-    glUseProgram(p);
-    glUniform1i(loc("uTex"), 0);
+  // Once per context: the sampler of stage 0 and what the renderer offers.
+  void prepare() {
+    if (prepared) return;
+    prepared = true;
     cache.valid = false;
     glGenSamplers(1, &sampler);
     glBindSampler(0, sampler);
@@ -219,16 +261,43 @@ struct GlShared {
     }
   }
 
+  // The variant for a key, compiled on first use.
+  Program& program(const ProgramKey& key) {
+    auto [it, fresh] = programs.try_emplace(key.packed());
+    if (fresh) {
+      Program& p = it->second;
+      try {
+        p.id = linkProgram(key);
+      } catch (...) {
+        programs.erase(it);
+        throw;
+      }
+      auto loc = [&](const char* name) { return glGetUniformLocation(p.id, name); };
+      p.uWorldView = loc("uWorldView");
+      p.uProj = loc("uProj");
+      p.uLightDir = loc("uLightDir");
+      p.uLightDiffuse = loc("uLightDiffuse");
+      p.uLightAmbient = loc("uLightAmbient");
+      p.uGlobalAmbient = loc("uGlobalAmbient");
+      p.uMatDiffuse = loc("uMatDiffuse");
+      p.uMatAmbient = loc("uMatAmbient");
+      p.uMatEmissive = loc("uMatEmissive");
+      glUseProgram(p.id);
+      glUniform1i(loc("uTex"), 0);
+      cache.program = p.id;
+    }
+    return it->second;
+  }
+
   Platform* platform;
   bool alive = true;
-  GLuint program = 0, sampler = 0;
-  GLint uWorldView = -1, uProj = -1, uFlags = -1, uLightDir = -1, uLightDiffuse = -1,
-        uLightAmbient = -1, uGlobalAmbient = -1, uMatDiffuse = -1, uMatAmbient = -1,
-        uMatEmissive = -1, uTexOn = -1, uColorStage = -1, uAlphaStage = -1;
+  bool prepared = false;
+  GLuint sampler = 0;
+  std::map<uint32_t, Program> programs;
   GLint maxSamples = 0;
   float maxAnisotropy = 0;  // 0: no anisotropic filtering in this context
   GlCache cache;
-  UniformCache uniforms;
+  const void* lastDevice = nullptr;  // whose state the programs' uniforms hold
 };
 
 namespace {
@@ -775,7 +844,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
 
   void buildBackBuffer() {
     gl_->requireCurrent();
-    gl_->buildProgram();
+    gl_->prepare();
     uint32_t w = parameters_.BackBufferWidth, h = parameters_.BackBufferHeight;
     if (w == 0 || h == 0) {
       int32_t pw = 0, ph = 0;
@@ -861,9 +930,36 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
   const auto& rs = state_.renderState;
   const auto& ts = state_.stageState[0];
 
-  if (!c.valid || c.program != g.program) {
-    c.program = g.program;
-    glUseProgram(g.program);
+  // Stage 0 and lighting decide the program variant.
+  const GlTexture* tex = dynamic_cast<const GlTexture*>(state_.textures[0].get());
+  if (tex && tex->shared() != &g) tex = nullptr;  // made in another context
+  const bool texOn = tex != nullptr && ts[D3DTSS_COLOROP] != D3DTOP_DISABLE;
+  const bool lighting = rs[D3DRS_LIGHTING] != 0;
+  const auto light = state_.lights.find(0);
+  const auto enabled = state_.lightEnabled.find(0);
+  const bool lightOn = lighting && light != state_.lights.end() &&
+                       enabled != state_.lightEnabled.end() && enabled->second &&
+                       light->second.Type == D3DLIGHT_DIRECTIONAL;
+  ProgramKey key;
+  key.normals = mesh.vertexFlags() & 1;
+  key.colours = mesh.vertexFlags() & 2;
+  key.coords = mesh.vertexFlags() & 4;
+  key.lighting = lighting;
+  key.light0 = lightOn;
+  key.texture = texOn;
+  if (texOn) {
+    auto isTexture = [](uint32_t arg) { return (arg & 0xF) == D3DTA_TEXTURE; };
+    key.colorOp = ts[D3DTSS_COLOROP];
+    key.alphaOp = ts[D3DTSS_ALPHAOP];
+    key.colorArg1Texture = isTexture(ts[D3DTSS_COLORARG1]);
+    key.colorArg2Texture = isTexture(ts[D3DTSS_COLORARG2]);
+    key.alphaArg1Texture = isTexture(ts[D3DTSS_ALPHAARG1]);
+    key.alphaArg2Texture = isTexture(ts[D3DTSS_ALPHAARG2]);
+  }
+  Program& program = g.program(key);
+  if (!c.valid || c.program != program.id) {
+    c.program = program.id;
+    glUseProgram(program.id);
   }
   if (!c.valid) {
     c.forget();
@@ -926,9 +1022,6 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
   setAlphaMask(c, formatHasAlpha(parameters_.BackBufferFormat));
 
   // Stage 0: the texture and its sampler.
-  const GlTexture* tex = dynamic_cast<const GlTexture*>(state_.textures[0].get());
-  if (tex && tex->shared() != &g) tex = nullptr;  // made in another context
-  bool texOn = tex != nullptr && ts[D3DTSS_COLOROP] != D3DTOP_DISABLE;
   if (texOn) {
     GLuint name = tex->name();
     if (c.texture != name) {
@@ -969,33 +1062,22 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
   c.valid = true;
 
   // Uniforms.
-  UniformCache& u = g.uniforms;
-  bool force = !u.valid;
+  Program& u = program;
+  const bool force = !u.valid;
   D3DMATRIX worldView;
   multiply(state_.world, state_.view, worldView);
-  setVec(g.uWorldView, u.worldView, flat(worldView), force);
-  setVec(g.uProj, u.projection, flat(state_.projection), force);
-
-  bool lighting = rs[D3DRS_LIGHTING] != 0;
-  auto light = state_.lights.find(0);
-  auto enabled = state_.lightEnabled.find(0);
-  bool lightOn = lighting && light != state_.lights.end() && enabled != state_.lightEnabled.end() &&
-                 enabled->second && light->second.Type == D3DLIGHT_DIRECTIONAL;
-  int flags = mesh.vertexFlags() | (lighting ? 8 : 0) | (lightOn ? 16 : 0);
-  if (force || u.flags != flags) {
-    u.flags = flags;
-    glUniform1i(g.uFlags, flags);
-  }
+  setVec(u.uWorldView, u.worldView, flat(worldView), force);
+  setVec(u.uProj, u.projection, flat(state_.projection), force);
   if (lighting) {
     const D3DMATERIAL8& m = state_.material;
     uint32_t amb = rs[D3DRS_AMBIENT];
-    setVec(g.uGlobalAmbient, u.globalAmbient,
+    setVec(u.uGlobalAmbient, u.globalAmbient,
            {((amb >> 16) & 0xFF) / 255.0f, ((amb >> 8) & 0xFF) / 255.0f, (amb & 0xFF) / 255.0f},
            force);
-    setVec(g.uMatDiffuse, u.matDiffuse, {m.Diffuse.r, m.Diffuse.g, m.Diffuse.b, m.Diffuse.a},
+    setVec(u.uMatDiffuse, u.matDiffuse, {m.Diffuse.r, m.Diffuse.g, m.Diffuse.b, m.Diffuse.a},
            force);
-    setVec(g.uMatAmbient, u.matAmbient, rgb(m.Ambient), force);
-    setVec(g.uMatEmissive, u.matEmissive, rgb(m.Emissive), force);
+    setVec(u.uMatAmbient, u.matAmbient, rgb(m.Ambient), force);
+    setVec(u.uMatEmissive, u.matEmissive, rgb(m.Emissive), force);
     if (lightOn) {
       const D3DLIGHT8& l = light->second;
       // The direction into view space (no translation), then reversed to point at the light.
@@ -1007,33 +1089,10 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
       float len = std::sqrt(x * x + y * y + z * z);
       std::array<float, 3> toLight{0, 0, 0};
       if (len > 0) toLight = {-x / len, -y / len, -z / len};
-      setVec(g.uLightDir, u.lightDir, toLight, force);
-      setVec(g.uLightDiffuse, u.lightDiffuse, rgb(l.Diffuse), force);
-      setVec(g.uLightAmbient, u.lightAmbient, rgb(l.Ambient), force);
+      setVec(u.uLightDir, u.lightDir, toLight, force);
+      setVec(u.uLightDiffuse, u.lightDiffuse, rgb(l.Diffuse), force);
+      setVec(u.uLightAmbient, u.lightAmbient, rgb(l.Ambient), force);
     }
-  }
-  int texFlag = texOn ? 1 : 0;
-  if (force || u.texOn != texFlag) {
-    u.texOn = texFlag;
-    glUniform1i(g.uTexOn, texFlag);
-  }
-  if (texOn) {
-    std::array<int, 3> cs{static_cast<int>(ts[D3DTSS_COLOROP]),
-                          static_cast<int>(ts[D3DTSS_COLORARG1]),
-                          static_cast<int>(ts[D3DTSS_COLORARG2])};
-    std::array<int, 3> as{static_cast<int>(ts[D3DTSS_ALPHAOP]),
-                          static_cast<int>(ts[D3DTSS_ALPHAARG1]),
-                          static_cast<int>(ts[D3DTSS_ALPHAARG2])};
-    if (force || u.colorStage != cs) {
-      u.colorStage = cs;
-      glUniform3iv(g.uColorStage, 1, cs.data());
-    }
-    if (force || u.alphaStage != as) {
-      u.alphaStage = as;
-      glUniform3iv(g.uAlphaStage, 1, as.data());
-    }
-  } else if (force) {
-    u.colorStage = u.alphaStage = {-1, -1, -1};
   }
   u.valid = true;
 }
@@ -1200,22 +1259,15 @@ void platformContextGoing(Platform& platform) {
 
 namespace gl {
 
-bool readFramebufferTopDown(uint32_t framebuffer, int32_t width, int32_t height,
-                            std::vector<uint8_t>& rgba) {
+bool readFramebufferBottomUp(uint32_t framebuffer, int32_t width, int32_t height,
+                             std::vector<uint8_t>& rgba) {
   if (width <= 0 || height <= 0) return false;
-  size_t row = static_cast<size_t>(width) * 4;
-  std::vector<uint8_t> bottomUp(row * static_cast<size_t>(height));
   clearErrors();
+  rgba.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * 4);
   glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, bottomUp.data());
-  if (glGetError() != GL_NO_ERROR) return false;
-  rgba.resize(bottomUp.size());
-  for (int32_t y = 0; y < height; ++y) {
-    std::memcpy(rgba.data() + static_cast<size_t>(y) * row,
-                bottomUp.data() + static_cast<size_t>(height - 1 - y) * row, row);
-  }
-  return true;
+  glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, rgba.data());
+  return glGetError() == GL_NO_ERROR;
 }
 
 }  // namespace gl
