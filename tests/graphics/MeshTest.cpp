@@ -60,6 +60,17 @@ TEST(MeshLoad, BadFilesNeverCrashAndLeaveTheMeshUndrawn) {
       {"truncated.x", good.substr(0, good.size() * 2 / 3)},
       {"garbage.x", "\x7f\x45\x4c\x46\x02\x01\x01 garbage \xff\xfe\xfd"},
       {"noise.x", "xof 0303txt 0032\n{{{{ ;;;; }}}} Mesh Mesh Mesh -1;"},
+      // Well-formed text whose counts and indices lie; the model reader would trust them.
+      {"nomaterial.x",
+       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
+       "1;3;0,1,2;;\nMeshMaterialList {1;1;0;;}\n}\n"},
+      {"farindex.x",
+       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
+       "1;3;0,1,7;;\n}\n"},
+      {"fewnormals.x",
+       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
+       "1;3;0,1,2;;\nMeshNormals {1;0.0;1.0;0.0;;1;3;0,0,1;;}\n}\n"},
+      {"huge.x", "xof 0303txt 0032\nMesh { 99999999; 1.0;2.0;3.0;; }"},
   };
   const std::vector<std::pair<std::string, std::string>> images = {
       {"empty.png", ""},
