@@ -1,65 +1,70 @@
 #pragma once
-// A listener that records every event a control raises, in order, with its arguments and the
-// state of the gesture flags at that moment. Hooks let a test act inside a handler, as a host
-// would.
+// A listener that writes each event of a control as one line, in order, as a host's handlers see
+// it: "mouseDown <button> <shift> <field>", "moveDone <index> <move>", "KeyDown <key> <shift>",
+// "afterDraw", "afterUserRotation", each followed by " dragging" or " rotating" while that flag
+// of the gesture is set. It also keeps the board point of the last mouse event and what the
+// arguments of the last moveDone referred to.
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ostrel/ctlBoard.h"
 
 namespace ostrel::testing {
 
-struct RecordedEvent {
-  std::string name;               // "afterDraw", "mouseDown", "mouseMove", "mouseUp", "moveDone",
-                                  // "afterUserRotation", "KeyDown", "debugMessage"
-  int16_t button = 0, shift = 0;  // KeyDown: key code and shift
-  float boardX = 0, boardY = 0;
-  int16_t field = 0;
-  int16_t moveIndex = 0;
-  std::string text;       // moveDone's move, debugMessage's text
-  float frameTime = 0;    // afterDraw
-  bool dragging = false;  // gesture flags while the event ran (only with a board attached)
-  bool rotating = false;
-  int16_t* moveIndexRef = nullptr;  // moveDone's arguments as passed, to see what they refer to
-  std::string* moveRef = nullptr;
-};
+using Lines = std::vector<std::string>;
 
 class EventRecorder : public ctlBoardEvents {
  public:
-  EventRecorder() = default;
-  // Records and attaches itself as the board's sink.
-  explicit EventRecorder(ctlBoard& board);
+  explicit EventRecorder(ctlBoard& board) : board_(board) { board.setEventSink(this); }
 
-  void afterDraw(float& frameTime) override;
-  void debugMessage(std::string& s) override;
-  void mouseDown(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-                 int16_t& field) override;
-  void mouseUp(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-               int16_t& field) override;
-  void mouseMove(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-                 int16_t& field) override;
-  void moveDone(int16_t& moveIndex, std::string& move) override;
-  void afterUserRotation() override;
-  void KeyDown(int16_t& KeyCode, int16_t& Shift) override;
+  void afterDraw(float&) override {
+    add("afterDraw");
+    if (onAfterDraw) onAfterDraw();
+  }
+  void mouseDown(int16_t& b, int16_t& s, float& x, float& y, int16_t& f) override {
+    mouse("mouseDown", b, s, x, y, f);
+  }
+  void mouseMove(int16_t& b, int16_t& s, float& x, float& y, int16_t& f) override {
+    mouse("mouseMove", b, s, x, y, f);
+  }
+  void mouseUp(int16_t& b, int16_t& s, float& x, float& y, int16_t& f) override {
+    mouse("mouseUp", b, s, x, y, f);
+  }
+  void moveDone(int16_t& index, std::string& move) override {
+    add("moveDone " + std::to_string(index) + " " + move);
+    indexRef = &index;
+    moveRef = &move;
+    if (onMoveDone) onMoveDone();
+  }
+  void afterUserRotation() override { add("afterUserRotation"); }
+  void KeyDown(int16_t& key, int16_t& shift) override {
+    add("KeyDown " + std::to_string(key) + " " + std::to_string(shift));
+  }
 
-  // Names of the events so far, in order, optionally without afterDraw.
-  std::vector<std::string> names(bool withFrames = true) const;
-  // The events of one name.
-  std::vector<RecordedEvent> named(const std::string& name) const;
-  int count(const std::string& name) const;
-  const RecordedEvent& last(const std::string& name) const;  // throws when there is none
-  void clear() { events.clear(); }
+  // The lines so far; the record starts afresh.
+  Lines take() { return std::exchange(lines, {}); }
 
-  std::vector<RecordedEvent> events;
-  // Called inside the handler, after the event is recorded.
-  std::function<void(int16_t& moveIndex, std::string& move)> onMoveDone;
-  std::function<void(float& frameTime)> onAfterDraw;
+  Lines lines;
+  float boardX = 0, boardY = 0;
+  int16_t field = 0;
+  const void *indexRef = nullptr, *moveRef = nullptr;
+  std::function<void()> onAfterDraw, onMoveDone;
 
  private:
-  RecordedEvent& record(const std::string& name);
-  const ctlBoard* board_ = nullptr;
+  void mouse(const char* name, int16_t b, int16_t s, float x, float y, int16_t f) {
+    boardX = x, boardY = y, field = f;
+    add(std::string(name) + " " + std::to_string(b) + " " + std::to_string(s) + " " +
+        std::to_string(f));
+  }
+  void add(std::string line) {
+    if (board_.gesture().draggingPiece) line += " dragging";
+    if (board_.gesture().rotatingBoard) line += " rotating";
+    lines.push_back(std::move(line));
+  }
+  ctlBoard& board_;
 };
 
 }  // namespace ostrel::testing

@@ -1,0 +1,156 @@
+// What the user's hand costs: one handled pointer move during a drag (the drag step and its
+// frame), the picking of one pointer position alone, and the full length of a played move
+// against the 125 ms that one square of travel should take.
+//
+// Each run reports the median of its samples in milliseconds (median_ms); the played move also
+// reports how far the median lies beyond its ideal (over_ideal_ms).
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <vector>
+
+#include "control/ControlAccess.h"
+#include "graphics/GraphicsContext.h"
+#include "graphics/d3d8.h"
+#include "interaction/Picking.h"
+#include "ostrel/HeadlessPlatform.h"
+#include "ostrel/ctlBoard.h"
+#include "ostrel/notation.h"
+
+namespace {
+
+using namespace ostrel;
+using Clock = std::chrono::steady_clock;
+
+// A started 640 x 480 control with 20 men of each colour and shadows, and moves from field 32.
+struct Rig {
+  explicit Rig(bool manualClock) : board(platform) {
+    if (manualClock) platform.useManualClock(100000, 36000.0f);
+    started = board.init(false, 0, 1).value_or(false);
+    for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+    board.addMoveList("32-28");
+    board.addMoveList("32-27");
+    board.drawBoard();
+    board.render();
+  }
+
+  // Where the board point of a field lies in pic, in twips, under the camera of the last frame.
+  void twipsOf(int16_t field, float& X, float& Y) {
+    float x = 0, y = 0;
+    fieldToBoard(field, x, y);
+    graphics::Direct3DDevice8& d = *graphics::graphicsContext().device;
+    graphics::D3DVIEWPORT8 viewport;
+    graphics::D3DMATRIX view, projection;
+    d.GetViewport(viewport);
+    d.GetTransform(graphics::D3DTS_VIEW, view);
+    d.GetTransform(graphics::D3DTS_PROJECTION, projection);
+    D3DVECTOR screen;
+    graphics::D3DXVec3Project(screen, D3DVECTOR{x, 0.2265f, y}, viewport, projection, view,
+                              controlState(board).worldMatrix);
+    X = screen.x * platform.TwipsPerPixelX();
+    Y = screen.y * platform.TwipsPerPixelY();
+  }
+
+  HeadlessPlatform platform;
+  ctlBoard board;
+  bool started = false;
+};
+
+double median(std::vector<double> v) {
+  if (v.empty()) return 0;
+  std::sort(v.begin(), v.end());
+  const size_t n = v.size();
+  return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+}
+
+template <typename F>
+double timedMs(F&& f) {
+  const auto t0 = Clock::now();
+  f();
+  return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
+}
+
+void BM_DragMove(benchmark::State& state) {
+  Rig rig(true);
+  if (!rig.started) {
+    state.SkipWithError("init failed");
+    return;
+  }
+  float fromX, fromY, toX, toY;
+  rig.twipsOf(32, fromX, fromY);
+  rig.twipsOf(28, toX, toY);
+  rig.platform.advance(20);
+  rig.board.pic_MouseDown(1, 0, fromX, fromY);
+  if (!rig.board.gesture().draggingPiece) {
+    state.SkipWithError("no drag started");
+    return;
+  }
+  std::vector<double> moves;
+  int64_t i = 0;
+  for (auto _ : state) {
+    // Past the time gate, so that every move is handled and draws its frame.
+    rig.platform.advance(20);
+    const float t = static_cast<float>(i++ % 16) / 15.0f;
+    const double ms = timedMs([&] {
+      rig.board.pic_MouseMove(1, 0, fromX + (toX - fromX) * t, fromY + (toY - fromY) * t);
+    });
+    moves.push_back(ms);
+    state.SetIterationTime(ms / 1000.0);
+  }
+  rig.board.pic_MouseUp(1, 0, toX, toY);
+  state.counters["median_ms"] = median(moves);
+}
+
+void BM_ScreenToBoard(benchmark::State& state) {
+  Rig rig(true);
+  if (!rig.started) {
+    state.SkipWithError("init failed");
+    return;
+  }
+  ControlState& s = controlState(rig.board);
+  std::vector<double> picks;
+  float sink = 0;
+  int64_t i = 0;
+  for (auto _ : state) {
+    float boardX = 0, boardY = 0;
+    int16_t field = 0;
+    const auto X = static_cast<float>(i % 640) * 15.0f, Y = static_cast<float>(i % 480) * 15.0f;
+    ++i;
+    const auto t0 = Clock::now();
+    interaction::screenToBoard(s, X, Y, boardX, boardY, field);
+    const double ms = std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
+    benchmark::DoNotOptimize(sink += boardX + boardY + field);
+    picks.push_back(ms);
+    state.SetIterationTime(ms / 1000.0);
+  }
+  state.counters["median_us"] = median(picks) * 1000.0;
+}
+
+void BM_ShowMoveOneSquare(benchmark::State& state) {
+  Rig rig(false);  // the real clock: the move takes the time it takes
+  if (!rig.started) {
+    state.SkipWithError("init failed");
+    return;
+  }
+  std::vector<double> plays;
+  for (auto _ : state) {
+    rig.board.drawBoard();
+    const double ms = timedMs([&] { rig.board.showMove("32-28"); });
+    plays.push_back(ms);
+    state.SetIterationTime(ms / 1000.0);
+  }
+  constexpr double kIdealMs = 125;
+  state.counters["median_ms"] = median(plays);
+  state.counters["over_ideal_ms"] = median(plays) - kIdealMs;
+}
+
+BENCHMARK(BM_DragMove)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ScreenToBoard)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
+BENCHMARK(BM_ShowMoveOneSquare)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,49 @@
+#pragma once
+// A control started on the real offscreen device with the shipped assets, a manual clock and a
+// recorder of its events; and what the rendered picture shows of a field or a piece.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "control/ControlAccess.h"
+#include "ostrel/HeadlessPlatform.h"
+#include "support/EventRecorder.h"
+
+namespace ostrel::testing {
+
+// The pixels in which two pictures differ, and their mean position.
+struct Blob {
+  int count = 0, width = 0;
+  double x = 0, y = 0;
+  std::vector<bool> in;
+  bool contains(double px, double py) const;
+};
+Blob changed(const Image& before, const Image& after);
+
+struct LiveBoard {
+  explicit LiveBoard(int width = 480, int height = 480, int32_t qShadow = 0);
+
+  HeadlessPlatform platform;
+  ctlBoard board;
+  EventRecorder events{board};
+  bool started = false;
+
+  ControlState& state() { return controlState(board); }
+  Image frame();
+  void setPosition(const std::vector<std::pair<int, int>>& pieces,
+                   const std::vector<std::string>& moves = {});
+  // Where the view draws a field's marker, or a white man on a field.
+  Blob fieldBlob(int field);
+  Blob pieceBlob(int field);
+  // Mouse events at a pixel, each after the time gate has opened.
+  void down(int16_t button, double x, double y);
+  void move(int16_t buttons, double x, double y);
+  void up(int16_t button, double x, double y);
+  void down(int16_t button, const Blob& b) { down(button, b.x, b.y); }
+  void move(int16_t buttons, const Blob& b) { move(buttons, b.x, b.y); }
+  void up(int16_t button, const Blob& b) { up(button, b.x, b.y); }
+  static float tw(double pixel) { return static_cast<float>((pixel + 0.5) * 15); }
+};
+
+}  // namespace ostrel::testing
