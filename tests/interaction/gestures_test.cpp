@@ -190,11 +190,16 @@ TEST(Gestures, RotationAndEscape) {
 }
 
 TEST(Gestures, CircularCaptureManyDestinationsAndCodesWithoutDiscs) {
-  // A move that ends on its own source keeps the piece on its field.
-  Board b({{32, 4}, {27, 3}, {17, 3}, {18, 3}, {28, 3}}, {"32-21-12-23-32", "32-37"},
+  // A move that ends on its own source keeps the piece on its field. Two moves with the same
+  // ends both get their marker; the later one is the move of that target.
+  Board b({{32, 4}, {27, 3}, {17, 3}, {18, 3}, {28, 3}}, {"32-21-12-23-32", "32-37", "32-41-37"},
           {20, 28, 32, 50});
   ASSERT_TRUE(b.started);
-  b.stroke(L, {32});
+  b.down(L, b.at[32]);
+  expectOn(b.marker(2), 37, 0.2275f, 0.08f);
+  expectOn(b.marker(3), 37, 0.2275f, 0.08f);
+  EXPECT_EQ(b.board.gesture().targetMove[36], 2);
+  b.up(L, b.at[32]);
   EXPECT_EQ(b.events.take()[4], "moveDone 0 32-21-12-23-32");
   EXPECT_EQ(b.board.field(31), 4);
   expectOn(b.disc(32), 32, 0.2265f);
