@@ -264,8 +264,8 @@ std::shared_ptr<Texture> CreateTextureFromFile(Direct3DDevice8& device, const st
   int w = 0, h = 0, n = 0;
   int size = static_cast<int>(bytes.size());
   // Refuse absurd sizes before anything is decoded.
-  if (!stbi_info_from_memory(bytes.data(), size, &w, &h, &n) || w <= 0 || h <= 0 || w > 16384 ||
-      h > 16384) {
+  if (!stbi_info_from_memory(bytes.data(), size, &w, &h, &n) || w <= 0 || h <= 0 ||
+      static_cast<uint32_t>(w) > kMaxTextureSide || static_cast<uint32_t>(h) > kMaxTextureSide) {
     throw D3DError(D3DXERR_INVALIDDATA, "not an image: " + path);
   }
   stbi_uc* pixels = stbi_load_from_memory(bytes.data(), size, &w, &h, &n, 4);

@@ -202,6 +202,9 @@ constexpr uint32_t D3DFVF_TEX1 = 0x100;
 constexpr uint32_t D3DFVF_TEXCOUNT_MASK = 0xF00;
 constexpr uint32_t D3DFVF_TEXCOUNT_SHIFT = 8;
 
+// The largest texture side the device takes; larger images are refused before they are decoded.
+constexpr uint32_t kMaxTextureSide = 4096;
+
 // Mesh options.
 constexpr uint32_t D3DXMESH_MANAGED = 0x220;
 

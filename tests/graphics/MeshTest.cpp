@@ -76,6 +76,7 @@ TEST(MeshLoad, BadFilesNeverCrashAndLeaveTheMeshUndrawn) {
       {"empty.png", ""},
       {"garbage.png", "GIF89a\x01\x00\x01\x00 nonsense"},
       {"cut.png", solidPng(1, 2, 3, 16).substr(0, 40)},
+      {"wide.png", pngBytes(4097, 1, std::vector<uint8_t>(4097 * 4, 200))},  // past the limit
   };
   ControlState& s = f.state();
   s.ambientBackColor = 0x102030;

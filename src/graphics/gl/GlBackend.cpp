@@ -795,7 +795,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
   void GetDeviceCaps(D3DCAPS8& caps) const override {
     caps = D3DCAPS8{};
     caps.DeviceType = D3DDEVTYPE_HAL;
-    caps.MaxTextureWidth = caps.MaxTextureHeight = 16384;
+    caps.MaxTextureWidth = caps.MaxTextureHeight = kMaxTextureSide;
     caps.MaxAnisotropy = static_cast<uint32_t>(std::max(0, window_.adapterProfile().maxAnisotropy));
     caps.MaxActiveLights = 8;
     caps.MaxSimultaneousTextures = 1;
@@ -812,7 +812,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
     return std::make_shared<GlMesh>(shared_from_this(), gl_, std::move(data));
   }
   std::shared_ptr<Texture> CreateTexture(uint32_t w, uint32_t h, const uint8_t* rgba) override {
-    if (w == 0 || h == 0 || w > 16384 || h > 16384) {
+    if (w == 0 || h == 0 || w > kMaxTextureSide || h > kMaxTextureSide) {
       raise(D3DERR_INVALIDCALL, "texture size out of range");
     }
     gl_->requireCurrent();
