@@ -62,21 +62,25 @@ struct Rig {
                                                    "0.0;0.0;0.0;;\n0.0;0.0;0.0;;\n"
                                                    "TextureFilename { \"img.png\"; }\n}\n}\n}\n";
   }
-  ~Rig() {
-    graphics::GraphicsContext& context = graphics::graphicsContext();
-    context.device.reset();
-    context.direct3D.reset();
-    context.platform = nullptr;
-    std::error_code ec;
-    std::filesystem::remove_all(folder, ec);
-  }
+  // Never destroyed: at exit the thread's graphics context goes before function statics do, so
+  // the device and platform stay to the end of the process. Only the folder is removed then.
+  ~Rig() = delete;
   std::filesystem::path folder;
   std::unique_ptr<QuietPlatform> platform;
 };
 
+struct FolderRemover {
+  std::filesystem::path folder;
+  ~FolderRemover() {
+    std::error_code ec;
+    std::filesystem::remove_all(folder, ec);
+  }
+};
+
 Rig& rig() {
-  static Rig r;
-  return r;
+  static Rig* r = new Rig;
+  static FolderRemover remover{r->folder};
+  return *r;
 }
 
 void write(const std::filesystem::path& path, const uint8_t* data, size_t size) {
