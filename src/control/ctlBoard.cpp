@@ -189,11 +189,19 @@ int16_t ctlBoard::anisotropyLevel() const {
 
 // Entries of the other subsystems follow, each one body that hands over.
 
-void ctlBoard::render() { graphics::render(*s_); }
-void ctlBoard::SetupLights() { graphics::setupLights(*s_); }
-void ctlBoard::Paint() { graphics::render(*s_); }
+void ctlBoard::render() {
+  graphics::render(*s_);
+}
+void ctlBoard::SetupLights() {
+  graphics::setupLights(*s_);
+}
+void ctlBoard::Paint() {
+  graphics::render(*s_);
+}
 
-void ctlBoard::alternativeBoard(const std::string& s) { graphics::setAlternativeBoard(*s_, s); }
+void ctlBoard::alternativeBoard(const std::string& s) {
+  graphics::setAlternativeBoard(*s_, s);
+}
 void ctlBoard::alternativePieceWhite(const std::string& s) {
   graphics::setAlternativePieceWhite(*s_, s);
 }
@@ -204,7 +212,9 @@ std::optional<bool> ctlBoard::init(bool qTrans, int32_t qAA, int32_t qShadow,
                                    const std::string& ap) {
   return graphics::init(*s_, qTrans, qAA, qShadow, ap);
 }
-void ctlBoard::resize() { graphics::resize(*s_); }
+void ctlBoard::resize() {
+  graphics::resize(*s_);
+}
 // A disabled timer delivers no ticks.
 void ctlBoard::Timer1_Timer() {
   if (s_->timer1.Enabled) graphics::timerTick(*s_);
