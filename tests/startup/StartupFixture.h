@@ -1,6 +1,6 @@
 #pragma once
 // What the start-up suites share: a private copy of the shipped asset folder, the diagnostic log
-// read back byte for byte, and a platform that records the status frame at each paint.
+// as it should read, and a control on a platform that records the status frame at each paint.
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -18,6 +18,8 @@
 namespace startup_test {
 
 namespace fs = std::filesystem;
+using namespace ostrel;
+using Lines = std::vector<std::string>;
 
 // A temporary folder, optionally holding a copy of the shipped models/; removed at the end.
 class AssetFolder {
@@ -26,10 +28,9 @@ class AssetFolder {
     std::string pattern = (fs::temp_directory_path() / "ostrel-startup-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
     dir_ = pattern;
-    if (withModels) {
-      ostrel::HeadlessPlatform probe;
-      fs::copy(fs::path(probe.AppPath()) / "models", models(), fs::copy_options::recursive);
-    }
+    if (withModels)
+      fs::copy(fs::path(HeadlessPlatform().AppPath()) / "models", models(),
+               fs::copy_options::recursive);
   }
   ~AssetFolder() {
     std::error_code ec;
@@ -45,53 +46,58 @@ class AssetFolder {
     fs::copy_file(models() / from, models() / to, fs::copy_options::overwrite_existing);
   }
   std::string read(const fs::path& file) const {
-    std::ifstream in(file, std::ios::binary);
     std::stringstream ss;
-    ss << in.rdbuf();
+    ss << std::ifstream(file, std::ios::binary).rdbuf();
     return ss.str();
   }
   void write(const fs::path& file, const std::string& text) const {
     std::ofstream(file, std::ios::binary) << text;
   }
-  bool hasLog() const { return fs::is_regular_file(dir_ / "directxlog.txt"); }
-  // The log's lines. Every line must end in CR LF; a bare LF or CR is a failure.
-  std::vector<std::string> logLines() const {
-    const std::string text = read(dir_ / "directxlog.txt");
-    std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-      const size_t end = text.find("\r\n", start);
-      if (end == std::string::npos) {
-        ADD_FAILURE() << "log ends without CR LF: " << text.substr(start);
-        break;
-      }
-      lines.push_back(text.substr(start, end - start));
-      start = end + 2;
-    }
-    for (const std::string& line : lines) {
-      EXPECT_EQ(line.find_first_of("\r\n"), std::string::npos) << "stray line break in " << line;
-    }
-    return lines;
-  }
+  // The diagnostic log byte for byte; empty when there is none.
+  std::string log() const { return read(dir_ / "directxlog.txt"); }
 
  private:
   fs::path dir_;
 };
 
+inline HeadlessOptions quickOptions(int width = 320, int height = 320) {
+  HeadlessOptions o;
+  o.pixelWidth = width;
+  o.pixelHeight = height;
+  return o;
+}
+
+// The first n lines of a complete start-up's log on the adapter that o describes, then `last`,
+// each closed by CR LF.
+inline std::string logOf(const HeadlessOptions& o, size_t n = 18, const std::string& last = "") {
+  const std::string no = std::to_string(static_cast<int32_t>(0x8876086Au));  // not available
+  std::istringstream lines(
+      "Ostrel 1.0.0\ninitialising directX\nDirectX create succeeded\nQuality: \nMode.Format=22\n"
+      "Mode.Height=" +
+      std::to_string(o.screenHeightPixels) + "\nMode.RefreshRate=60\n" + "Mode.Width=" +
+      std::to_string(o.screenWidthPixels) + "\nMultisampling 4: " + (o.multisample4 ? "0" : no) +
+      "\nMultisampling 6: " + (o.multisample6 ? "0" : no) +
+      "\ntrying hardware vertex\nCreating device succeeded\nboard.x initialised\n"
+      "hl.x initialised\nmeshes loaded\ndevice initialised\nrender succeeded\nDirectX succesful");
+  std::string text, line;
+  for (size_t i = 0; i < n && std::getline(lines, line); ++i) text += line + "\r\n";
+  return last.empty() ? text : text + last + "\r\n";
+}
+
 // What the status frame looked like at one paint.
 struct FrameSeen {
   float fillWidth = 0, fillHeight = 0;
   bool fillVisible = false, statusVisible = false, frameVisible = false;
-  ostrel::Image window;  // the window as it showed then
+  Image window;  // the window as it showed then
 };
 
-// Records every Refresh of the status frame, with a picture of the window at that moment.
-class RecordingPlatform : public ostrel::HeadlessPlatform {
+// Records every Refresh of the status frame once `board` is set, with the window at that moment.
+class RecordingPlatform : public HeadlessPlatform {
  public:
   using HeadlessPlatform::HeadlessPlatform;
-  const ostrel::ctlBoard* board = nullptr;
+  const ctlBoard* board = nullptr;
   std::vector<FrameSeen> paints;
-  void Refresh(const ostrel::Label& label) override {
+  void Refresh(const Label& label) override {
     HeadlessPlatform::Refresh(label);
     if (board == nullptr) return;
     paints.push_back({label.Width, label.Height, label.Visible, board->lblStatus().Visible,
@@ -99,39 +105,18 @@ class RecordingPlatform : public ostrel::HeadlessPlatform {
   }
 };
 
-inline ostrel::HeadlessOptions quickOptions(int width = 320, int height = 320) {
-  ostrel::HeadlessOptions o;
-  o.pixelWidth = width;
-  o.pixelHeight = height;
-  return o;
-}
-
-// The lines of a complete start-up for the adapter that options describe.
-inline std::vector<std::string> completeLog(const ostrel::HeadlessOptions& o) {
-  const int32_t notAvailable = static_cast<int32_t>(0x8876086Au);
-  return {"Ostrel 1.0.0",
-          "initialising directX",
-          "DirectX create succeeded",
-          "Quality: ",
-          "Mode.Format=22",
-          "Mode.Height=" + std::to_string(o.screenHeightPixels),
-          "Mode.RefreshRate=60",
-          "Mode.Width=" + std::to_string(o.screenWidthPixels),
-          "Multisampling 4: " + std::to_string(o.multisample4 ? 0 : notAvailable),
-          "Multisampling 6: " + std::to_string(o.multisample6 ? 0 : notAvailable),
-          "trying hardware vertex",
-          "Creating device succeeded",
-          "board.x initialised",
-          "hl.x initialised",
-          "meshes loaded",
-          "device initialised",
-          "render succeeded",
-          "DirectX succesful"};
-}
-
-inline std::vector<std::string> firstLines(std::vector<std::string> lines, size_t n) {
-  lines.resize(std::min(n, lines.size()));
-  return lines;
-}
+// A control with its own asset folder; init starts it there.
+struct Control {
+  explicit Control(HeadlessOptions o = quickOptions(), bool withModels = true)
+      : assets(withModels), platform(o), board(platform) {}
+  std::optional<bool> init(int32_t qAA = 0) { return board.init(false, qAA, 1, assets.path()); }
+  const ModelSet& models() const { return board.models(); }
+  std::string message(const std::string& kind, const std::string& file) const {
+    return kind + " load failed: " + assets.path() + "/models/" + file;
+  }
+  AssetFolder assets;
+  RecordingPlatform platform;
+  ctlBoard board;
+};
 
 }  // namespace startup_test

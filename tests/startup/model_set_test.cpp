@@ -1,275 +1,183 @@
 // The asset set as start-up loads it: which mesh gets which file, the progress bar's two steps,
 // missing files, and the three image properties before and after start-up.
 
-#include <stb_image_write.h>
-
-#include <thread>
-
 #include "StartupFixture.h"
 #include "graphics/d3d8.h"
 
 namespace {
 
 using namespace startup_test;
-using ostrel::ctlBoard;
-using ostrel::HeadlessPlatform;
-namespace gfx = ostrel::graphics;
 
-TEST(ModelSet, StartUpLoadsEveryMeshAndHidesTheMarkers) {
-  AssetFolder assets;
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  const ostrel::ModelSet& m = board.models();
-  EXPECT_TRUE(m.boardMesh.visible);
-  EXPECT_TRUE(m.pieceMesh[0].visible);
-  EXPECT_TRUE(m.pieceMesh[1].visible);
-  EXPECT_TRUE(m.shadowMesh.visible);
-  EXPECT_FALSE(m.pieceMesh[2].hasMesh()) << "slot 2 is never loaded";
+TEST(ModelSet, StartUpLoadsEveryModelWithItsImagesAndHidesTheMarkers) {
+  Control s;
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
+  EXPECT_EQ(s.platform.messages(), Lines{});
+  const ModelSet& m = s.models();
+  const std::pair<const char*, const clsMesh*> meshes[] = {
+      {"board.x", &m.boardMesh},    {"hl.x", &m.markerMesh[0]},   {"hl2.x", &m.markerMesh[1]},
+      {"hl3.x", &m.markerMesh[16]}, {"white.x", &m.pieceMesh[0]}, {"black.x", &m.pieceMesh[1]},
+      {"shadow.x", &m.shadowMesh}};
+  for (const auto& [name, mesh] : meshes) {
+    SCOPED_TRACE(name);
+    ASSERT_TRUE(mesh->hasMesh());
+    EXPECT_EQ(mesh->visible, name[0] != 'h');
+    // Scaling needs position, normal and one pair of texture coordinates.
+    EXPECT_EQ(mesh->mesh()->GetFVF(), 0x112u);
+    ASSERT_GT(mesh->materialCount(), 0);
+    EXPECT_EQ(mesh->mesh()->GetNumSubsets(), static_cast<uint32_t>(mesh->materialCount()));
+    for (int32_t i = 0; i < mesh->materialCount(); ++i) EXPECT_TRUE(mesh->hasTexture(i)) << i;
+  }
   for (int i = 0; i <= 16; ++i) {
-    EXPECT_TRUE(m.markerMesh[i].hasMesh()) << i;
-    EXPECT_FALSE(m.markerMesh[i].visible) << i;
+    EXPECT_TRUE(m.markerMesh[i].hasMesh() && !m.markerMesh[i].visible) << i;
+    // Each field marker holds its own copy of the model.
+    EXPECT_TRUE(i < 2 || i > 15 || m.markerMesh[i].mesh() != m.markerMesh[1].mesh()) << i;
   }
   EXPECT_FALSE(m.markerMesh[17].hasMesh());
-  // Each field marker holds its own copy of the model.
-  for (int i = 2; i <= 15; ++i) EXPECT_NE(m.markerMesh[i].mesh(), m.markerMesh[1].mesh()) << i;
-  // The shadow's materials all get the alpha 0.24; its scale and the pieces' are baked in.
-  for (int32_t i = 0; i < m.shadowMesh.materialCount(); ++i) {
+  EXPECT_FALSE(m.pieceMesh[2].hasMesh()) << "slot 2 is never loaded";
+  for (int32_t i = 0; i < m.shadowMesh.materialCount(); ++i)
     EXPECT_FLOAT_EQ(m.shadowMesh.material(i).Diffuse.a, 0.24f);
-  }
-  EXPECT_EQ(board.alternativeBoard(), "board.jpg");
-  EXPECT_EQ(board.alternativePieceWhite(), "");
-  EXPECT_EQ(board.alternativePieceBlack(), "");
-  // The status frame is gone once the pieces are in.
-  EXPECT_FALSE(board.label1().Visible);
-  EXPECT_FALSE(board.lblStatus().Visible);
-  EXPECT_FALSE(board.lblProgress().Visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "board.jpg");
+  EXPECT_EQ(s.board.alternativePieceWhite() + s.board.alternativePieceBlack(), "");
 }
 
-TEST(ModelSet, ModelDirIsEmptyOnAThreadThatNeverStarted) {
-  std::string seen = "unset";
-  std::thread([&] {
-    HeadlessPlatform platform(quickOptions());
-    ctlBoard board(platform);
-    seen = board.modelDir();
-  }).join();
-  EXPECT_EQ(seen, "");
-}
-
+// The frame painted during start-up as the user sees it, and the frame gone at the end.
 TEST(ModelSet, ProgressStepsAtEachPaintOfStartUp) {
-  AssetFolder assets;
-  RecordingPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  platform.board = &board;
-  board.setInitString("Loading the pieces");
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  ASSERT_EQ(platform.paints.size(), 2u);
-  EXPECT_FLOAT_EQ(platform.paints[0].fillWidth, 2872.5f);
-  EXPECT_FLOAT_EQ(platform.paints[1].fillWidth, 5745.0f);
-  for (const FrameSeen& seen : platform.paints) {
+  Control s(quickOptions(400, 300));
+  s.board.ambientBackColor(0x000000);
+  s.board.setInitString("Loading the pieces");
+  s.platform.board = &s.board;
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
+  ASSERT_EQ(s.platform.paints.size(), 2u);
+  for (size_t i = 0; i < 2; ++i) {
+    const FrameSeen& seen = s.platform.paints[i];
+    EXPECT_FLOAT_EQ(seen.fillWidth, 2872.5f * (i + 1));
     EXPECT_FLOAT_EQ(seen.fillHeight, 345.0f);
-    EXPECT_TRUE(seen.fillVisible);
-    EXPECT_TRUE(seen.statusVisible);
-    EXPECT_TRUE(seen.frameVisible);
+    EXPECT_TRUE(seen.fillVisible && seen.statusVisible && seen.frameVisible);
+    auto rgb = [&](int x, int y) {
+      const uint8_t* p = &seen.window.rgba[(static_cast<size_t>(y) * 400 + x) * 4];
+      return (p[0] << 16) | (p[1] << 8) | p[2];
+    };
+    // Frame 8..392 x 8..33 px, its client area one pixel in; half the fill is 191.5 px.
+    EXPECT_EQ(rgb(4, 20), 0x000000) << "outside the frame: the back colour";
+    EXPECT_EQ(rgb(150, 30), 0x0000FF) << "inside the fill, below the text";
+    EXPECT_EQ(rgb(300, 20), i == 0 ? 0xFFFFFF : 0x0000FF) << "the frame's white beyond the fill";
+    EXPECT_EQ(rgb(395, 20), 0x000000) << "beyond the frame";
   }
-  EXPECT_EQ(board.lblStatus().Caption, "Loading the pieces") << "init does not change the text";
-  EXPECT_EQ(board.lblProgress().Left, 0.0f);
-  EXPECT_EQ(board.lblProgress().Top, 0.0f);
+  EXPECT_EQ(s.board.lblStatus().Caption, "Loading the pieces") << "init does not change the text";
+  EXPECT_EQ(std::pair(s.board.lblProgress().Left, s.board.lblProgress().Top),
+            std::pair(0.0f, 0.0f));
+  EXPECT_FALSE(s.board.label1().Visible || s.board.lblStatus().Visible ||
+               s.board.lblProgress().Visible);
+
+  // With the status text hidden there is no progress paint; the full length is set all the same.
+  Control quiet;
+  quiet.board.showProgressBar("quiet", false, 0);
+  quiet.platform.board = &quiet.board;
+  ASSERT_EQ(quiet.init(), std::optional<bool>(true));
+  EXPECT_TRUE(quiet.platform.paints.empty());
+  EXPECT_FALSE(quiet.board.lblProgress().Visible);
+  EXPECT_FLOAT_EQ(quiet.board.lblProgress().Width, 5745.0f);
 }
 
-TEST(ModelSet, HiddenStatusTextMeansNoProgressPaints) {
-  AssetFolder assets;
-  RecordingPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  board.showProgressBar("quiet", false, 0);
-  platform.board = &board;
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  EXPECT_TRUE(platform.paints.empty());
-  EXPECT_FALSE(board.lblProgress().Visible);
-  EXPECT_FLOAT_EQ(board.lblProgress().Width, 5745.0f) << "the full length is set all the same";
-}
-
-// The frame painted during start-up, as the user sees it: border, white frame, the blue fill to
-// half its length, and the caption in its colour over the fill.
-TEST(ModelSet, StartUpScreenshotShowsTheStatusFrame) {
-  AssetFolder assets;
-  RecordingPlatform platform(quickOptions(400, 300));
-  ctlBoard board(platform);
-  board.ambientBackColor(0x000000);
-  platform.board = &board;
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  ASSERT_EQ(platform.paints.size(), 2u);
-  const ostrel::Image& shot = platform.paints[0].window;
-  ASSERT_EQ(shot.width, 400);
-  auto rgb = [&](int x, int y) {
-    const uint8_t* p = &shot.rgba[(static_cast<size_t>(y) * shot.width + x) * 4];
-    return (p[0] << 16) | (p[1] << 8) | p[2];
-  };
-  // Frame 8..392 x 8..33 px; the client area starts one pixel in; half the fill is 191.5 px.
-  EXPECT_EQ(rgb(4, 20), 0x000000) << "outside the frame: the back colour";
-  EXPECT_EQ(rgb(150, 30), 0x0000FF) << "inside the fill, below the text";
-  EXPECT_EQ(rgb(300, 20), 0xFFFFFF) << "beyond the half fill: the frame's white";
-  EXPECT_EQ(rgb(395, 20), 0x000000) << "beyond the frame";
-  // Caption pixels: strongly red with green and blue about half, as 0x8080FF reads.
-  int caption = 0;
-  for (int y = 9; y < 32; ++y) {
-    for (int x = 9; x < 200; ++x) {
-      const int c = rgb(x, y), r = c >> 16, g = (c >> 8) & 0xFF, b = c & 0xFF;
-      caption += r > 200 && g > 90 && g < 170 && b > 90 && b < 170;
-    }
+TEST(ModelSet, MissingFileGivesOneMessageAndLeavesItsMeshUndrawn) {
+  for (const char* file : {"shadow.x", "piecewhite.png"}) {
+    SCOPED_TRACE(file);
+    Control s;
+    s.assets.remove(file);
+    ASSERT_EQ(s.init(), std::optional<bool>(true));
+    const bool shadow = file[0] == 's';
+    EXPECT_EQ(s.platform.messages(), Lines{s.message(shadow ? "Model" : "Texture", file)});
+    EXPECT_EQ(s.assets.log(), logOf(quickOptions()));
+    const ModelSet& m = s.models();
+    EXPECT_EQ(m.shadowMesh.visible, !shadow);
+    EXPECT_EQ(m.pieceMesh[0].visible, shadow);
+    EXPECT_TRUE(m.pieceMesh[0].hasMesh()) << "the model loaded, its image did not";
+    EXPECT_TRUE(m.pieceMesh[1].visible);
+    if (shadow) continue;
+    // White failed, so a change of either image only stores: nothing reloads, nothing is said.
+    s.board.alternativePieceBlack("nothing-here.png");
+    EXPECT_EQ(s.board.alternativePieceBlack(), "nothing-here.png");
+    EXPECT_EQ(s.platform.messages().size(), 1u);
+    EXPECT_TRUE(m.pieceMesh[1].visible);
   }
-  EXPECT_GT(caption, 150) << "the caption is drawn in its colour";
-  // The full bar at the second paint.
-  EXPECT_EQ((platform.paints[1].window.rgba[(20 * 400 + 300) * 4 + 2]), 0xFF);
-  EXPECT_EQ((platform.paints[1].window.rgba[(20 * 400 + 300) * 4 + 0]), 0x00);
-  if (const char* dir = std::getenv("OSTREL_SCREENSHOT_DIR")) {
-    const std::string path = std::string(dir) + "/startup-frame.png";
-    EXPECT_NE(
-        stbi_write_png(path.c_str(), shot.width, shot.height, 4, shot.rgba.data(), shot.width * 4),
-        0);
-  }
-}
-
-TEST(ModelSet, MissingShadowModelGivesOneMessageAndNoShadows) {
-  AssetFolder assets;
-  assets.remove("shadow.x");
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  ASSERT_EQ(platform.messages().size(), 1u);
-  EXPECT_EQ(platform.messages()[0], "Model load failed: " + assets.path() + "/models/shadow.x");
-  EXPECT_FALSE(board.models().shadowMesh.visible);
-  EXPECT_TRUE(board.models().pieceMesh[1].visible);
-  EXPECT_EQ(assets.logLines(), completeLog(quickOptions()));
-}
-
-TEST(ModelSet, MissingImageLeavesTheModelUndrawn) {
-  AssetFolder assets;
-  assets.remove("piecewhite.png");
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  ASSERT_EQ(platform.messages().size(), 1u);
-  EXPECT_EQ(platform.messages()[0],
-            "Texture load failed: " + assets.path() + "/models/piecewhite.png");
-  EXPECT_FALSE(board.models().pieceMesh[0].visible);
-  EXPECT_TRUE(board.models().pieceMesh[0].hasMesh());
-  EXPECT_TRUE(board.models().pieceMesh[1].visible) << "black loads all the same";
-  EXPECT_TRUE(board.models().shadowMesh.visible);
-
-  // White failed, so a change of either image only stores: nothing reloads, nothing is said.
-  board.alternativePieceBlack("nothing-here.png");
-  EXPECT_EQ(board.alternativePieceBlack(), "nothing-here.png");
-  EXPECT_EQ(platform.messages().size(), 1u);
-  EXPECT_TRUE(board.models().pieceMesh[1].visible);
 }
 
 TEST(ModelSet, SettersBeforeStartUpOnlyStore) {
-  AssetFolder assets;
-  assets.copy("board.jpg", "other-board.jpg");
-  assets.remove("board.jpg");
-  assets.copy("pieceblack.png", "dark.png");
-  assets.remove("pieceblack.png");
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  board.alternativeBoard("other-board.jpg");
-  board.alternativePieceBlack("dark.png");
-  EXPECT_FALSE(board.models().boardMesh.hasMesh());
-  EXPECT_EQ(board.alternativeBoard(), "other-board.jpg");
+  Control s;
+  s.assets.copy("board.jpg", "other-board.jpg");
+  s.assets.remove("board.jpg");
+  s.assets.copy("pieceblack.png", "dark.png");
+  s.assets.remove("pieceblack.png");
+  s.board.alternativeBoard("other-board.jpg");
+  s.board.alternativePieceBlack("dark.png");
+  EXPECT_FALSE(s.models().boardMesh.hasMesh());
   // Start-up picks the names up: the default images are gone, so only these can have loaded.
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  EXPECT_TRUE(platform.messages().empty()) << platform.messages().front();
-  EXPECT_TRUE(board.models().boardMesh.visible);
-  EXPECT_TRUE(board.models().pieceMesh[1].visible);
-  EXPECT_EQ(board.alternativeBoard(), "other-board.jpg");
-  EXPECT_EQ(board.alternativePieceBlack(), "dark.png");
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
+  EXPECT_EQ(s.platform.messages(), Lines{});
+  EXPECT_TRUE(s.models().boardMesh.visible && s.models().pieceMesh[1].visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "other-board.jpg");
+  EXPECT_EQ(s.board.alternativePieceBlack(), "dark.png");
 }
 
 TEST(ModelSet, PieceImageSetterReloadsOnlyOnAChange) {
-  AssetFolder assets;
-  assets.copy("piecewhite.png", "light.png");
-  RecordingPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  platform.board = &board;
-
-  board.alternativePieceWhite("light.png");
-  EXPECT_TRUE(board.models().pieceMesh[0].visible);
-  EXPECT_TRUE(platform.paints.empty()) << "the frame is hidden: a reload shows nothing";
+  Control s;
+  s.assets.copy("piecewhite.png", "light.png");
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
+  s.platform.board = &s.board;
+  const ModelSet& m = s.models();
+  s.board.alternativePieceWhite("light.png");
+  EXPECT_TRUE(s.platform.paints.empty()) << "the frame is hidden: a reload shows nothing";
   // With the file gone, a reload would fail; the same value again must not reload.
-  assets.remove("light.png");
-  board.alternativePieceWhite("light.png");
-  EXPECT_TRUE(platform.messages().empty());
-  EXPECT_TRUE(board.models().pieceMesh[0].visible);
-
+  s.assets.remove("light.png");
+  s.board.alternativePieceWhite("light.png");
   // Back to empty: the default image, not the last one.
-  board.alternativePieceWhite("");
-  EXPECT_TRUE(platform.messages().empty()) << platform.messages().front();
-  EXPECT_TRUE(board.models().pieceMesh[0].visible);
-  EXPECT_TRUE(board.models().shadowMesh.visible);
-  EXPECT_FLOAT_EQ(board.models().shadowMesh.material(0).Diffuse.a, 0.24f);
+  s.board.alternativePieceWhite("");
+  EXPECT_EQ(s.platform.messages(), Lines{});
+  EXPECT_TRUE(m.pieceMesh[0].visible && m.shadowMesh.visible);
+  EXPECT_FLOAT_EQ(m.shadowMesh.material(0).Diffuse.a, 0.24f);
 
   // A host that shows the frame sees the reload step the bar, and the frame goes at the end.
-  board.showProgressBar("Changing pieces", true, 0);
-  platform.paints.clear();
-  board.alternativePieceBlack("pieceblack.png");
-  ASSERT_EQ(platform.paints.size(), 2u);
-  EXPECT_FLOAT_EQ(platform.paints[0].fillWidth, 2872.5f);
-  EXPECT_FLOAT_EQ(platform.paints[1].fillWidth, 5745.0f);
-  EXPECT_FALSE(board.label1().Visible);
-  EXPECT_FALSE(board.lblStatus().Visible);
-}
+  s.board.showProgressBar("Changing pieces", true, 0);
+  s.platform.paints.clear();
+  s.board.alternativePieceBlack("pieceblack.png");
+  ASSERT_EQ(s.platform.paints.size(), 2u);
+  EXPECT_FLOAT_EQ(s.platform.paints[0].fillWidth, 2872.5f);
+  EXPECT_FLOAT_EQ(s.platform.paints[1].fillWidth, 5745.0f);
+  EXPECT_FALSE(s.board.label1().Visible || s.board.lblStatus().Visible);
 
-TEST(ModelSet, BadPieceImageDropsThePiecesForGood) {
-  AssetFolder assets;
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  board.alternativePieceWhite("missing.png");
-  ASSERT_EQ(platform.messages().size(), 1u);
-  EXPECT_EQ(platform.messages()[0],
-            "Texture load failed: " + assets.path() + "/models/missing.png");
-  EXPECT_FALSE(board.models().pieceMesh[0].visible);
-  EXPECT_EQ(board.alternativePieceWhite(), "missing.png") << "the bad name stays";
-  // No setter brings white back: the test looks at white, which is not loaded now.
-  board.alternativePieceWhite("");
-  EXPECT_EQ(platform.messages().size(), 1u);
-  EXPECT_FALSE(board.models().pieceMesh[0].visible);
+  // A bad image drops white for good: the bad name stays, and no setter brings white back.
+  s.board.alternativePieceWhite("missing.png");
+  EXPECT_EQ(s.platform.messages(), Lines{s.message("Texture", "missing.png")});
+  EXPECT_FALSE(m.pieceMesh[0].visible);
+  EXPECT_EQ(s.board.alternativePieceWhite(), "missing.png");
+  s.board.alternativePieceWhite("");
+  EXPECT_EQ(s.platform.messages().size(), 1u);
+  EXPECT_FALSE(m.pieceMesh[0].visible);
 }
 
 TEST(ModelSet, EmptyBoardNameReloadsWithTheNameInsideTheModel) {
-  AssetFolder assets;
+  Control s;
   // A board model that names its own image "inner.jpg", and no "board.jpg" at all.
-  std::string model = assets.read(assets.models() / "board.x");
+  std::string model = s.assets.read(s.assets.models() / "board.x");
   const size_t at = model.find("board.jpg");
   ASSERT_NE(at, std::string::npos) << "board.x names its image";
-  model.replace(at, 9, "inner.jpg");
-  assets.write(assets.models() / "board.x", model);
-  assets.copy("board.jpg", "inner.jpg");
-  assets.copy("board.jpg", "plain.jpg");
-  assets.remove("board.jpg");
-
-  HeadlessPlatform platform(quickOptions());
-  ctlBoard board(platform);
-  board.alternativeBoard("plain.jpg");
-  ASSERT_EQ(board.init(false, 0, 1, assets.path()), std::optional<bool>(true));
-  ASSERT_TRUE(platform.messages().empty()) << platform.messages().front();
-  ASSERT_TRUE(board.models().boardMesh.visible);
-
-  board.alternativeBoard("");
-  EXPECT_TRUE(platform.messages().empty()) << "reloaded with inner.jpg, not board.jpg";
-  EXPECT_TRUE(board.models().boardMesh.visible);
-  EXPECT_EQ(board.alternativeBoard(), "");
+  s.assets.write(s.assets.models() / "board.x", model.replace(at, 9, "inner.jpg"));
+  s.assets.copy("board.jpg", "inner.jpg");
+  s.assets.copy("board.jpg", "plain.jpg");
+  s.assets.remove("board.jpg");
+  s.board.alternativeBoard("plain.jpg");
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
+  s.board.alternativeBoard("");
+  EXPECT_EQ(s.platform.messages(), Lines{}) << "reloaded with inner.jpg, not board.jpg";
+  EXPECT_TRUE(s.models().boardMesh.visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "");
 
   // A missing image: one message box, no board in the frames, and setters only store.
-  board.alternativeBoard("gone.jpg");
-  ASSERT_EQ(platform.messages().size(), 1u);
-  EXPECT_EQ(platform.messages()[0], "Texture load failed: " + assets.path() + "/models/gone.jpg");
-  EXPECT_FALSE(board.models().boardMesh.visible);
-  board.alternativeBoard("plain.jpg");
-  EXPECT_EQ(platform.messages().size(), 1u);
-  EXPECT_FALSE(board.models().boardMesh.visible);
-  EXPECT_EQ(board.alternativeBoard(), "plain.jpg");
+  s.board.alternativeBoard("gone.jpg");
+  s.board.alternativeBoard("plain.jpg");
+  EXPECT_EQ(s.platform.messages(), Lines{s.message("Texture", "gone.jpg")});
+  EXPECT_FALSE(s.models().boardMesh.visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "plain.jpg");
 }
 
 }  // namespace
