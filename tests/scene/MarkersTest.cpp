@@ -4,10 +4,10 @@
 
 #include "control/ControlAccess.h"
 #include "ostrel/HeadlessPlatform.h"
-#include "ostrel/notation.h"
-#include "scene/Markers.h"
+#include "support/SceneChecks.h"
 
 using namespace ostrel;
+using namespace ostrel::testing;
 
 namespace {
 
@@ -17,64 +17,47 @@ struct Control {
   std::array<clsMesh, 18>& marker = controlState(board).models.markerMesh;
 };
 
-// Shows a marker on a field at a height: 0.08 right of the disc point.
-void expectMarker(const clsMesh& m, int16_t field, float height) {
-  float x, y;
-  fieldToBoard(field, x, y);
-  EXPECT_TRUE(m.visible);
-  EXPECT_FLOAT_EQ(m.posX(), x + 0.08f);
-  EXPECT_EQ(m.posY(), height);
-  EXPECT_EQ(m.posZ(), y);
-}
-
 }  // namespace
 
 TEST(Markers, OnlyMoveFollowsTheListAtDrawBoard) {
   Control c;
   c.board.addMoveList("32x28");
   c.board.drawBoard();  // field 32 is empty: the marker shows all the same
-  expectMarker(c.marker[1], 32, 0.2275f);
-
+  expectOn(c.marker[1], 32, 0.2275f, 0.08f);
   c.board.addMoveList("33-28");
   c.board.drawBoard();
   EXPECT_FALSE(c.marker[1].visible);
-
   c.board.setHLfields("7");
   c.board.clearMoveList();
   c.board.drawBoard();
   EXPECT_FALSE(c.marker[1].visible);
-
   c.board.addMoveList("abc-5");  // a malformed source reads as field 0, beyond the edge
   c.board.drawBoard();
-  EXPECT_TRUE(c.marker[1].visible);
+  expectOn(c.marker[1], 0, 0.2275f, 0.08f);
   EXPECT_FLOAT_EQ(c.marker[1].posX(), -5.49f);
   EXPECT_FLOAT_EQ(c.marker[1].posZ(), 5.5f);
 }
 
 TEST(Markers, FieldListFillsSlotsOneToFifteen) {
   Control c;
-  c.marker[0].visible = true;
-  c.marker[16].visible = true;
+  c.marker[0].visible = c.marker[16].visible = true;
   c.board.setHLfields("7|12|7");
-  expectMarker(c.marker[1], 7, 0.2365f);
-  expectMarker(c.marker[2], 12, 0.2365f);
-  expectMarker(c.marker[3], 7, 0.2365f);
+  expectOn(c.marker[1], 7, 0.2365f, 0.08f);
+  expectOn(c.marker[2], 12, 0.2365f, 0.08f);
+  expectOn(c.marker[3], 7, 0.2365f, 0.08f);
   EXPECT_FALSE(c.marker[4].visible);
-
   c.board.setHLfields("");
   for (int i = 1; i <= 15; ++i) EXPECT_FALSE(c.marker[i].visible) << i;
-  EXPECT_TRUE(c.marker[0].visible);
-  EXPECT_TRUE(c.marker[16].visible);
-
+  EXPECT_TRUE(c.marker[0].visible && c.marker[16].visible);
   c.board.setHLfields("9|");  // the empty token reads as field 0
-  expectMarker(c.marker[2], 0, 0.2365f);
+  expectOn(c.marker[2], 0, 0.2365f, 0.08f);
 
-  // Names past the fifteenth get no marker and leave slots 16 and 17 alone.
-  c.board.setHighLightField(-1);
+  // Names past the fifteenth get no marker and leave the last move's and slot 17 alone.
+  c.board.highlightLastMove(true);
+  c.board.setHighLightField(46);
   c.board.setHLfields("1|2|3|4|5|6|7|8|9|10|11|12|13|14|15|16|17|18|19|20");
-  for (int16_t i = 1; i <= 15; ++i) expectMarker(c.marker[i], i, 0.2365f);
-  EXPECT_FALSE(c.marker[16].visible);
-  EXPECT_EQ(c.marker[16].posY(), 0.0f);
+  for (int16_t i = 1; i <= 15; ++i) expectOn(c.marker[i], i, 0.2365f, 0.08f);
+  expectOn(c.marker[16], 46, 0.228f, 0.08f);
   EXPECT_FALSE(c.marker[17].visible);
 }
 
@@ -83,12 +66,10 @@ TEST(Markers, LastMoveMarkerNeedsAFieldAndTheSwitch) {
   c.board.setHighLightField(28);  // highlightLastMove is off: nothing is placed
   EXPECT_FALSE(c.marker[16].visible);
   EXPECT_EQ(c.marker[16].posY(), 0.0f);
-
   c.board.highlightLastMove(true);
   c.board.setHighLightField(46);
-  expectMarker(c.marker[16], 46, 0.228f);
+  expectOn(c.marker[16], 46, 0.228f, 0.08f);
   EXPECT_FLOAT_EQ(c.marker[16].posX(), -4.49f);
-
   c.board.setHLfields("5|6");  // independent of the field list
   EXPECT_TRUE(c.marker[16].visible);
   for (int16_t hl : {int16_t{0}, int16_t{-1}}) {

@@ -9,8 +9,10 @@
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
 #include "ostrel/notation.h"
+#include "support/SceneChecks.h"
 
 using namespace ostrel;
+using namespace ostrel::testing;
 
 TEST(Animation, ShuffleIsARepeatablePermutation) {
   HeadlessPlatform platform;
@@ -20,9 +22,7 @@ TEST(Animation, ShuffleIsARepeatablePermutation) {
   board.initAnimation();
   const auto first = order;
   std::set<int> fields(first.begin() + 1, first.begin() + 51);
-  EXPECT_EQ(fields.size(), 50u);
-  EXPECT_EQ(*fields.begin(), 1);
-  EXPECT_EQ(*fields.rbegin(), 50);
+  EXPECT_TRUE(fields.size() == 50 && *fields.begin() == 1 && *fields.rbegin() == 50);
   platform.seedRandom(7);
   board.initAnimation();
   EXPECT_EQ(order, first);
@@ -72,13 +72,7 @@ TEST(Animation, HeightsAndSpreadsThroughTheFall) {
     EXPECT_NEAR(at(c).posZ(), y * share, 1e-5);
   }
   board.animation(1);
-  for (size_t c = 0; c < 48; ++c) {
-    float x, y;
-    fieldToBoard(static_cast<int16_t>(field[c]), x, y);
-    EXPECT_EQ(at(c).posX(), x);
-    EXPECT_FLOAT_EQ(at(c).posY(), 0.2265f);
-    EXPECT_TRUE(at(c).visible);
-  }
+  for (size_t c = 0; c < 48; ++c) expectOn(at(c), field[c], 0.2265f);
   for (size_t i = 0; i < 50; ++i) EXPECT_EQ(sc.fieldPiece[i], -1);
   for (size_t i = 0; i < 40; ++i) EXPECT_FALSE(sc.shadowObject[i].visible);
   board.stopAnimation();
