@@ -7,7 +7,7 @@
 
 using namespace ostrel;
 
-TEST(ControlSurface, CreationDefaults) {
+TEST(ControlSurface, CreationDefaultsAndPlainEntries) {
   HeadlessPlatform platform;
   ctlBoard board(platform);
   EXPECT_EQ(board.rotationHorizontalAxis(), 1.57079506f);
@@ -15,27 +15,19 @@ TEST(ControlSurface, CreationDefaults) {
   EXPECT_EQ(board.viewingDistance(), 15.0f);
   EXPECT_EQ(board.ambientBackColor(), 0x404040);
   EXPECT_EQ(board.BackColor(), 0x404040);
-  EXPECT_TRUE(board.userRotationEnabled());
-  EXPECT_TRUE(board.userMoveEnabled());
+  EXPECT_TRUE(board.userRotationEnabled() && board.userMoveEnabled());
   EXPECT_FALSE(board.highlightLastMove());
   EXPECT_EQ(board.timerAfterLastRender(), 0);
   EXPECT_EQ(board.moves().moveCount, 0);
   EXPECT_EQ(board.modelDir(), "");
-  for (int16_t i = 0; i <= 50; ++i) EXPECT_EQ(board.field(i), 0);
+  EXPECT_EQ(controlState(board).fieldCode, (std::array<int16_t, 51>{}));
 
   board.ambientBackColor(0x123456);
   EXPECT_EQ(board.ambientBackColor(), 0x123456);
   EXPECT_EQ(board.BackColor(), 0x563412);
-
   const D3DVECTOR v = board.vec3(1.5f, -2.0f, 3.25f);
-  EXPECT_EQ(v.x, 1.5f);
-  EXPECT_EQ(v.y, -2.0f);
-  EXPECT_EQ(v.z, 3.25f);
-}
-
-TEST(ControlSurface, ViewingDistanceIsLimited) {
-  HeadlessPlatform platform;
-  ctlBoard board(platform);
+  EXPECT_EQ((std::array{v.x, v.y, v.z}), (std::array{1.5f, -2.0f, 3.25f}));
+  // The viewing distance is held to 0.1 .. 800.
   for (auto [in, out] : {std::pair{0.05f, 0.1f},
                          {900.0f, 800.0f},
                          {800.0f, 800.0f},
@@ -50,24 +42,17 @@ TEST(ControlSurface, ViewingDistanceIsLimited) {
 TEST(ControlSurface, FieldStoresAnyCodeAndIgnoresBadIndexes) {
   HeadlessPlatform platform;
   ctlBoard board(platform);
-  board.field(0, 2);
-  board.field(49, 5);
-  board.field(50, 3);
-  board.field(7, -9);
-  board.field(8, 1234);
-  EXPECT_EQ(board.field(0), 2);
-  EXPECT_EQ(board.field(49), 5);
-  EXPECT_EQ(board.field(50), 3);
-  EXPECT_EQ(board.field(7), -9);
-  EXPECT_EQ(board.field(8), 1234);
-
+  for (auto [slot, code] :
+       {std::pair<int16_t, int16_t>{0, 2}, {49, 5}, {50, 3}, {7, -9}, {8, 1234}}) {
+    board.field(slot, code);
+    EXPECT_EQ(board.field(slot), code) << slot;
+  }
   const auto before = controlState(board).fieldCode;
   for (int16_t bad : {int16_t{-1}, int16_t{51}, int16_t{-32768}, int16_t{32767}}) {
     board.field(bad, 4);
     EXPECT_EQ(board.field(bad), 0);
   }
   EXPECT_EQ(controlState(board).fieldCode, before);
-
   // Slot 50 belongs to no field: drawBoard places nothing for it.
   board.drawBoard();
   int visible = 0;

@@ -13,11 +13,6 @@ using namespace ostrel;
 
 namespace {
 
-struct Control {
-  HeadlessPlatform platform;
-  ctlBoard board{platform};
-};
-
 MoveList listOf(std::initializer_list<const char*> moves) {
   MoveList list;
   for (const char* m : moves) board::addMove(list, m);
@@ -27,24 +22,25 @@ MoveList listOf(std::initializer_list<const char*> moves) {
 }  // namespace
 
 TEST(MoveList, StoresNormalFormsUpTo256) {
-  Control c;
-  c.board.addMoveList("31x22");
-  c.board.addMoveList("31X22");
-  EXPECT_EQ(c.board.moves().moveCount, 2);
-  EXPECT_EQ(c.board.moves().moveList[0], "31-22");
-  EXPECT_EQ(c.board.moves().moveList[1], "31X22");
+  HeadlessPlatform platform;
+  ctlBoard board(platform);
+  const MoveList& list = board.moves();
+  board.addMoveList("31x22");
+  board.addMoveList("31X22");
+  EXPECT_EQ(list.moveCount, 2);
+  EXPECT_EQ(list.moveList[0], "31-22");
+  EXPECT_EQ(list.moveList[1], "31X22");
 
-  c.board.clearMoveList();
-  for (int i = 0; i < 300; ++i) c.board.addMoveList(std::to_string(i) + "x9");
-  const MoveList& list = c.board.moves();
+  board.clearMoveList();
+  for (int i = 0; i < 300; ++i) board.addMoveList(std::to_string(i) + "x9");
   EXPECT_EQ(list.moveCount, 256);
   EXPECT_EQ(list.moveList[0], "0-9");
   EXPECT_EQ(list.moveList[255], "255-9");
   EXPECT_EQ(list.moveList[256], "");
 
-  c.board.clearMoveList();
+  board.clearMoveList();
   EXPECT_EQ(list.moveCount, 0);
-  c.board.addMoveList("1-7");
+  board.addMoveList("1-7");
   EXPECT_EQ(list.moveCount, 1);
   EXPECT_EQ(list.moveList[0], "1-7");
   EXPECT_EQ(list.moveList[1], "1-9");  // old texts stay until overwritten

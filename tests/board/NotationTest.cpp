@@ -10,70 +10,50 @@
 
 using namespace ostrel;
 
-TEST(GetToken, SingleTokensRangesAndTokenNumberRules) {
-  struct Case {
+TEST(Tokens, GetTokenCountTokensAndNormalMoves) {
+  struct Get {
     const char* text;
     int16_t from, to;
     const char* want;
   };
-  for (const Case& c : {Case{"32-28", 1, 0, "32"},
-                        {"32-28", 2, 0, "28"},
-                        {"32-28", 3, 0, ""},
-                        {"1-2-3-4", 2, 3, "2-3"},
-                        {"1-2-3-4", 3, 9, "3-4"},
-                        {"1-2", 0, 0, ""},
-                        {"1-2", 0, 2, "1-2"},
-                        {"", 1, 0, ""},
-                        {"a--b", 2, 0, ""},
-                        {"a--b", 3, 0, "b"},
-                        {"1-2", -7, 1, "1"},
-                        {"1-2", 2, 1, ""},
-                        {"1-2", 1, 32767, "1-2"},
-                        {"-", 2, 0, ""}})
-    EXPECT_EQ(getToken(c.text, "-", c.from, c.to), c.want)
-        << c.text << " " << c.from << ".." << c.to;
+  const Get gets[] = {{"32-28", 1, 0, "32"},    {"32-28", 2, 0, "28"},    {"32-28", 3, 0, ""},
+                      {"1-2-3-4", 2, 3, "2-3"}, {"1-2-3-4", 3, 9, "3-4"}, {"1-2", 0, 0, ""},
+                      {"1-2", 0, 2, "1-2"},     {"", 1, 0, ""},           {"a--b", 2, 0, ""},
+                      {"a--b", 3, 0, "b"},      {"1-2", -7, 1, "1"},      {"1-2", 2, 1, ""},
+                      {"1-2", 1, 32767, "1-2"}, {"-", 2, 0, ""}};
+  for (const Get& c : gets)
+    EXPECT_EQ(getToken(c.text, "-", c.from, c.to), c.want) << c.text << " " << c.from << c.to;
   EXPECT_EQ(getToken("7<>8<>9", "<>", 2, 3), "8<>9");
   EXPECT_EQ(getToken("aaa", "aa", 2, 0), "a");  // the search goes on after the whole delimiter
   EXPECT_EQ(getToken("1-2", "", 1, 0), "1-2");  // an empty delimiter never matches
+
+  // Empty tokens count; delimiters do not overlap.
+  const std::tuple<const char*, const char*, int32_t> counts[] = {{"", "|", 1},     {"7", "|", 1},
+                                                                  {"7|8|", "|", 3}, {"-", "-", 2},
+                                                                  {"aaa", "aa", 2}, {"1-2", "", 1}};
+  for (const auto& [text, delimiter, want] : counts)
+    EXPECT_EQ(countTokens(text, delimiter), want) << text << " " << delimiter;
+
+  // Only the lower-case x becomes a dash.
+  const std::pair<const char*, const char*> moves[] = {
+      {"26x37x48", "26-37-48"}, {"31X22", "31X22"}, {"1-2x3", "1-2-3"}};
+  for (const auto& [move, want] : moves) EXPECT_EQ(normalMove(move), want);
 }
 
-TEST(CountTokens, EmptyTokensCount) {
-  EXPECT_EQ(countTokens("", "|"), 1);
-  EXPECT_EQ(countTokens("7", "|"), 1);
-  EXPECT_EQ(countTokens("7|8|", "|"), 3);
-  EXPECT_EQ(countTokens("-", "-"), 2);
-  EXPECT_EQ(countTokens("aaa", "aa"), 2);  // delimiters do not overlap
-  EXPECT_EQ(countTokens("1-2", ""), 1);
-}
-
-TEST(TokenValue, LeadingNumberRoundedToAFieldNumber) {
-  struct Case {
-    const char* token;
-    int16_t want;
-  };
-  for (const Case& c : {Case{"32", 32},     {"32abc", 32},
-                        {"32X23", 32},      {"  7", 7},
-                        {"\t7", 7},         {"", 0},
-                        {"abc", 0},         {"-5", -5},
-                        {"+5", 5},          {"7 8", 7},
-                        {"2.5", 2},         {"3.5", 4},
-                        {"-2.5", -2},       {"0.51", 1},
-                        {".5", 0},          {"1e1", 10},
-                        {"1e", 1},          {"1e+", 1},
-                        {"1.5e1x", 15},     {"0x1A", 0},
-                        {"inf", 0},         {"nan", 0},
-                        {"99999", 32767},   {"-99999", -32768},
-                        {"32767.5", 32767}, {"-32768.5", -32768},
-                        {"1e400", 32767},   {"-1e400", -32768},
-                        {"1e-400", 0}})
-    EXPECT_EQ(tokenValue(c.token), c.want) << '"' << c.token << '"';
+TEST(Tokens, ValueIsTheLeadingNumberRoundedToAFieldNumber) {
+  using Value = std::pair<const char*, int16_t>;
+  const Value numbers[] = {{"32", 32},  {"32abc", 32}, {"32X23", 32}, {"  7", 7},     {"\t7", 7},
+                           {"", 0},     {"abc", 0},    {"-5", -5},    {"+5", 5},      {"7 8", 7},
+                           {"2.5", 2},  {"3.5", 4},    {"-2.5", -2},  {"0.51", 1},    {".5", 0},
+                           {"1e1", 10}, {"1e", 1},     {"1e+", 1},    {"1.5e1x", 15}, {"0x1A", 0},
+                           {"inf", 0},  {"nan", 0}};
+  for (const auto& [token, want] : numbers) EXPECT_EQ(tokenValue(token), want) << '"' << token;
+  // Beyond 16 bits the value is held at the ends of the range.
+  const Value beyond[] = {{"99999", 32767},     {"-99999", -32768}, {"32767.5", 32767},
+                          {"-32768.5", -32768}, {"1e400", 32767},   {"-1e400", -32768},
+                          {"1e-400", 0}};
+  for (const auto& [token, want] : beyond) EXPECT_EQ(tokenValue(token), want) << '"' << token;
   EXPECT_EQ(tokenValue(std::string(5000, '9')), 32767);
-}
-
-TEST(NormalMove, OnlyLowerCaseXBecomesADash) {
-  EXPECT_EQ(normalMove("26x37x48"), "26-37-48");
-  EXPECT_EQ(normalMove("31X22"), "31X22");
-  EXPECT_EQ(normalMove("1-2x3"), "1-2-3");
 }
 
 TEST(FieldGeometry, EveryFieldSitsInItsSquareAndMapsBack) {
@@ -85,75 +65,45 @@ TEST(FieldGeometry, EveryFieldSitsInItsSquareAndMapsBack) {
     const int row = (f - 1) / 5;
     EXPECT_FLOAT_EQ(x, static_cast<float>(rowX[row % 2][(f - 1) % 5])) << f;
     EXPECT_FLOAT_EQ(y, 4.5f - static_cast<float>(row)) << f;
-    int16_t back = 0;
-    boardToField(x, y, back);
-    EXPECT_EQ(back, f);
     // The whole square belongs to the field, also right of the disc point.
-    boardToField(x + 0.569f, y + 0.499f, back);
-    EXPECT_EQ(back, f);
-    boardToField(x - 0.42f, y - 0.499f, back);
-    EXPECT_EQ(back, f);
+    for (auto [dx, dy] : {std::pair{0.0f, 0.0f}, {0.569f, 0.499f}, {-0.42f, -0.499f}}) {
+      int16_t back = 0;
+      boardToField(x + dx, y + dy, back);
+      EXPECT_EQ(back, f) << dx << " " << dy;
+    }
   }
-}
-
-TEST(FieldGeometry, FieldsOutsideTheBoardRunOn) {
-  struct Case {
-    int16_t field;
-    float x, y;
-  };
-  for (const Case& c : {Case{0, -5.57f, 5.5f}, {-1, -7.57f, 5.5f}, {51, -3.57f, -5.5f}}) {
+  // Outside 1 to 50 the same arithmetic runs on, off the board.
+  const std::tuple<int16_t, float, float> outside[] = {
+      {0, -5.57f, 5.5f}, {-1, -7.57f, 5.5f}, {51, -3.57f, -5.5f}, {-32768, -11.57f, 6558.5f}};
+  for (const auto& [field, wantX, wantY] : outside) {
     float x = 0, y = 0;
-    fieldToBoard(c.field, x, y);
-    EXPECT_FLOAT_EQ(x, c.x) << c.field;
-    EXPECT_FLOAT_EQ(y, c.y) << c.field;
+    fieldToBoard(field, x, y);
+    EXPECT_FLOAT_EQ(x, wantX) << field;
+    EXPECT_FLOAT_EQ(y, wantY) << field;
   }
-  float x = 0, y = 0;
-  fieldToBoard(std::numeric_limits<int16_t>::min(), x, y);
-  EXPECT_FLOAT_EQ(y, 6558.5f);  // rows run on above the board
 }
 
 TEST(FieldGeometry, BoardToFieldCornersEdgesAndLightSquares) {
-  const float justBelow5 = std::nextafter(5.0f, 0.0f);
+  const float below5 = std::nextafter(5.0f, 0.0f), beyond5 = std::nextafter(-5.0f, -6.0f);
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float inf = std::numeric_limits<float>::infinity();
-  struct Case {
-    float x, y;
-    int16_t want;
-  };
-  for (const Case& c : {Case{-5, -5, 46},
-                        {4.99f, 4.99f, 5},
-                        {0, 0, 23},
-                        {-4.99f, 4.99f, -1},
-                        {4.99f, -4.99f, -1},
-                        {5, 0, -1},
-                        {-5.5f, -4.5f, -1},
-                        {-4.5f, -4.5f, 46},
-                        {-4.01f, -4.01f, 46},
-                        {justBelow5, justBelow5, 5},
-                        {std::nextafter(-5.0f, -6.0f), -4.5f, -1},
-                        {nan, 0, -1},
-                        {0, nan, -1},
-                        {inf, 0, -1},
-                        {-inf, -inf, -1},
-                        {1e30f, 1e30f, -1}}) {
+  const std::tuple<float, float, int16_t> points[] = {
+      {-5, -5, 46},         {4.99f, 4.99f, 5},   {0, 0, 23},           {-4.99f, 4.99f, -1},
+      {4.99f, -4.99f, -1},  {5, 0, -1},          {-5.5f, -4.5f, -1},   {-4.5f, -4.5f, 46},
+      {-4.01f, -4.01f, 46}, {below5, below5, 5}, {beyond5, -4.5f, -1}, {nan, 0, -1},
+      {0, nan, -1},         {inf, 0, -1},        {-inf, -inf, -1},     {1e30f, 1e30f, -1}};
+  for (const auto& [x, y, want] : points) {
     int16_t field = 99;
-    boardToField(c.x, c.y, field);
-    EXPECT_EQ(field, c.want) << c.x << ", " << c.y;
+    boardToField(x, y, field);
+    EXPECT_EQ(field, want) << x << ", " << y;
   }
 }
 
 TEST(SwapRedBlue, SwapsTheLowBytesBelowTheFlagRange) {
-  struct Case {
-    int32_t in, out;
-  };
-  for (const Case& c : {Case{0x404040, 0x404040},
-                        {0x123456, 0x563412},
-                        {0xFF, 0xFF0000},
-                        {0xFFFFFF, 0xFFFFFF},
-                        {0x1000000, 0x1000000},
-                        {0x7FFFFFFF, 0x7FFFFFFF},
-                        {-1, 0xFFFFFF},
-                        {std::numeric_limits<int32_t>::min(), 0},
-                        {static_cast<int32_t>(0x80000005u), 0x050000}})
-    EXPECT_EQ(swapRedBlue(c.in), c.out) << std::hex << c.in;
+  using Swap = std::pair<int32_t, int32_t>;
+  const Swap colours[] = {
+      {0x404040, 0x404040}, {0x123456, 0x563412},   {0xFF, 0xFF0000},
+      {0xFFFFFF, 0xFFFFFF}, {0x1000000, 0x1000000}, {0x7FFFFFFF, 0x7FFFFFFF},
+      {-1, 0xFFFFFF},       {INT32_MIN, 0},         {int32_t(0x80000005u), 0x050000}};
+  for (const auto& [in, out] : colours) EXPECT_EQ(swapRedBlue(in), out) << std::hex << in;
 }
