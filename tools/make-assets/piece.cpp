@@ -36,7 +36,7 @@ constexpr double kFootIn = 0.03;     // how far the bottom rounding comes in
 constexpr double kGrooveDepth = 0.007;
 constexpr double kGrooveHalfWidth = 0.009;
 constexpr double kGrooves[] = {0.078, 0.117};
-constexpr int kSegments = 48;
+constexpr int kSegments = 32;        // round enough with smooth normals
 constexpr double kSideRho = 0.94;    // image radius at the end of the profile
 constexpr double kBottomRho = 0.97;  // image radius used for the flat underside
 constexpr int kImageSize = 512;
@@ -56,27 +56,30 @@ std::vector<ProfilePoint> profile() {
     if (!p.empty() && std::hypot(r - p.back().r, y - p.back().y) < 1e-9) return;
     p.push_back({r, y});
   };
+  // Only the rings that the silhouette and the shading need: the flat floor is one band
+  // (plus a narrow one at its edge, so the cove's slope does not tint the whole floor), the
+  // straight side none at all.
   const double floorY = kHeight - kRecess;
-  for (int i = 0; i <= 4; ++i) add(kFloor * i / 4, floorY);
+  add(0, floorY);
+  add(kFloor * 0.85, floorY);
+  add(kFloor, floorY);
   // The cove rising from the floor to the rim.
-  for (int i = 1; i <= 6; ++i) {
-    const double t = static_cast<double>(i) / 6;
+  for (int i = 1; i <= 3; ++i) {
+    const double t = static_cast<double>(i) / 3;
     add(kFloor + (kCrestIn - kFloor) * t, floorY + kRecess * (0.5 - 0.5 * std::cos(M_PI * t)));
   }
   add(kCrestOut, kHeight);
   // The rim rounds over into the side: a quarter ellipse.
   const double a = kRadius - kCrestOut, b = kShoulder;
-  for (int i = 1; i <= 10; ++i) {
-    const double phi = (M_PI / 2) * i / 10;
+  for (int i = 1; i <= 4; ++i) {
+    const double phi = (M_PI / 2) * i / 4;
     add(kCrestOut + a * std::sin(phi), kHeight - b + b * std::cos(phi));
   }
-  // The side, downward, with its grooves.
-  std::vector<double> ys;
-  for (double y = kHeight - kShoulder; y > kFoot + 1e-9; y -= 0.01) ys.push_back(y);
+  // The side, downward: straight but for its grooves, each a cosine dip.
+  std::vector<double> ys{kHeight - kShoulder, kFoot};
   for (double c : kGrooves) {
-    for (int i = -4; i <= 4; ++i) ys.push_back(c + kGrooveHalfWidth * i / 4);
+    for (int i = -2; i <= 2; ++i) ys.push_back(c + kGrooveHalfWidth * i / 2);
   }
-  ys.push_back(kFoot);
   std::sort(ys.begin(), ys.end(), [](double l, double r) { return l > r; });
   for (double y : ys) {
     double r = kRadius;
@@ -89,8 +92,8 @@ std::vector<ProfilePoint> profile() {
     add(r, y);
   }
   // The foot rounds in to the flat underside.
-  for (int i = 1; i <= 5; ++i) {
-    const double phi = (M_PI / 2) * i / 5;
+  for (int i = 1; i <= 3; ++i) {
+    const double phi = (M_PI / 2) * i / 3;
     add(kRadius - kFootIn + kFootIn * std::cos(phi), kFoot - kFoot * std::sin(phi));
   }
 
