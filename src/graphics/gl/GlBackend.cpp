@@ -40,13 +40,15 @@ struct ProgramKey {
   uint32_t colorOp = 0, alphaOp = 0;                      // stage 0 operations
   bool colorArg1Texture = false, colorArg2Texture = false;
   bool alphaArg1Texture = false, alphaArg2Texture = false;
+  uint32_t anisotropy = 0;  // taps of anisotropic filtering, 2 to 16; 0 for plain filtering
 
   uint32_t packed() const {
     auto bit = [](bool b, int at) { return static_cast<uint32_t>(b) << at; };
     return bit(normals, 0) | bit(colours, 1) | bit(coords, 2) | bit(lighting, 3) | bit(light0, 4) |
            bit(texture, 5) | bit(colorArg1Texture, 6) | bit(colorArg2Texture, 7) |
            bit(alphaArg1Texture, 8) | bit(alphaArg2Texture, 9) |
-           (std::min<uint32_t>(colorOp, 31) << 10) | (std::min<uint32_t>(alphaOp, 31) << 15);
+           (std::min<uint32_t>(colorOp, 31) << 10) | (std::min<uint32_t>(alphaOp, 31) << 15) |
+           (std::min<uint32_t>(anisotropy, 31) << 20);
   }
 };
 
@@ -97,13 +99,36 @@ void main() {
 )";
 
 // COLOR and ALPHA are defined to the stage's expressions over t (the texel) and vColor.
+//
+// Anisotropic filtering without mipmaps: the pixel's footprint in the texture is the pair of
+// texel-space derivatives; up to ANISOTROPY bilinear taps of level 0, as many as the footprint is
+// longer than wide (and no more than it is texels long), are spread evenly along its longer axis
+// and averaged. A footprint within one texel is magnified and takes one tap.
 const char* kFragmentShader = R"(
 in vec4 vColor;
 in vec2 vUV;
 uniform sampler2D uTex;
 out vec4 fragColor;
+#if ANISOTROPY
+vec4 anisotropic(vec2 uv) {
+  vec2 size = vec2(textureSize(uTex, 0));
+  vec2 ax = dFdx(uv), ay = dFdy(uv);
+  float lx = length(ax * size), ly = length(ay * size);
+  float major = max(lx, ly), minor = max(min(lx, ly), 1e-6);
+  float n = min(min(float(ANISOTROPY), ceil(major / minor - 0.01)), ceil(major - 0.01));
+  if (n <= 1.0) return textureLod(uTex, uv, 0.0);
+  vec2 step = (lx >= ly ? ax : ay) / n;
+  vec2 at = uv - step * (0.5 * n - 0.5);
+  vec4 sum = vec4(0.0);
+  for (float i = 0.0; i < n; i += 1.0) sum += textureLod(uTex, at + step * i, 0.0);
+  return sum / n;
+}
+#endif
 void main() {
-#if TEXTURE
+#if TEXTURE && ANISOTROPY
+  vec4 t = anisotropic(vUV);
+  fragColor = clamp(vec4(COLOR, ALPHA), 0.0, 1.0);
+#elif TEXTURE
   vec4 t = texture(uTex, vUV);
   fragColor = clamp(vec4(COLOR, ALPHA), 0.0, 1.0);
 #else
@@ -155,6 +180,7 @@ GLuint compileShader(GLenum type, const char* source) {
 }
 
 constexpr GLuint kNone = ~0u;
+constexpr uint32_t kMaxAnisotropy = 16;  // the most taps the anisotropic filter takes
 
 // What was last set on the GL context, so that a draw skips calls that change nothing. Invalid
 // after anything outside the device layer may have used the context. Values that a draw does not
@@ -164,7 +190,6 @@ struct GlCache {
     vertexArray = texture = kNone;
     blendSrc = blendDst = kNone;
     minFilter = magFilter = wrapS = wrapT = -1;
-    anisotropy = -1;
   }
   bool valid = false;
   GLuint drawFramebuffer = 0, program = 0, vertexArray = kNone, texture = kNone;
@@ -173,7 +198,6 @@ struct GlCache {
   bool depthTest = false, depthMask = false, cull = false, blend = false, alphaMask = false;
   GLenum depthFunc = 0, cullFace = 0, blendSrc = 0, blendDst = 0, polygonMode = 0;
   GLint minFilter = 0, magFilter = 0, wrapS = 0, wrapT = 0;
-  float anisotropy = 0;
 };
 
 // One compiled variant, its uniform locations, and the last value given to each uniform.
@@ -199,6 +223,7 @@ GLuint linkProgram(const ProgramKey& key) {
   define("LIGHTING", key.lighting ? "1" : "0");
   define("LIGHT0", key.light0 ? "1" : "0");
   define("TEXTURE", key.texture ? "1" : "0");
+  define("ANISOTROPY", std::to_string(key.anisotropy));
   define("COLOR", stageExpression(key.colorOp, key.colorArg1Texture, key.colorArg2Texture, ".rgb"));
   define("ALPHA", stageExpression(key.alphaOp, key.alphaArg1Texture, key.alphaArg2Texture, ".a"));
   const std::string vsSource = defines + kVertexShader;
@@ -255,10 +280,6 @@ struct GlShared {
     glGenSamplers(1, &sampler);
     glBindSampler(0, sampler);
     glGetIntegerv(GL_MAX_SAMPLES, &maxSamples);
-    if (epoxy_has_gl_extension("GL_ARB_texture_filter_anisotropic") ||
-        epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic") || epoxy_gl_version() >= 46) {
-      glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY, &maxAnisotropy);
-    }
   }
 
   // The variant for a key, compiled on first use.
@@ -295,7 +316,6 @@ struct GlShared {
   GLuint sampler = 0;
   std::map<uint32_t, Program> programs;
   GLint maxSamples = 0;
-  float maxAnisotropy = 0;  // 0: no anisotropic filtering in this context
   GlCache cache;
   const void* lastDevice = nullptr;  // whose state the programs' uniforms hold
 };
@@ -955,6 +975,14 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
     key.colorArg2Texture = isTexture(ts[D3DTSS_COLORARG2]);
     key.alphaArg1Texture = isTexture(ts[D3DTSS_ALPHAARG1]);
     key.alphaArg2Texture = isTexture(ts[D3DTSS_ALPHAARG2]);
+    // Anisotropic filtering is done by the fragment shader, over bilinear taps: only when
+    // neither filter is POINT. A level of 1 is plain bilinear filtering.
+    const uint32_t minF = ts[D3DTSS_MINFILTER], magF = ts[D3DTSS_MAGFILTER];
+    if ((minF == D3DTEXF_ANISOTROPIC || magF == D3DTEXF_ANISOTROPIC) && minF != D3DTEXF_POINT &&
+        magF != D3DTEXF_POINT) {
+      const uint32_t level = std::min<uint32_t>(ts[D3DTSS_MAXANISOTROPY], kMaxAnisotropy);
+      key.anisotropy = level >= 2 ? level : 0;
+    }
   }
   Program& program = g.program(key);
   if (!c.valid || c.program != program.id) {
@@ -1045,17 +1073,6 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
     if (c.wrapT != wt) {
       c.wrapT = wt;
       glSamplerParameteri(g.sampler, GL_TEXTURE_WRAP_T, wt);
-    }
-    if (g.maxAnisotropy > 0) {
-      bool anisotropic = ts[D3DTSS_MINFILTER] == D3DTEXF_ANISOTROPIC ||
-                         ts[D3DTSS_MAGFILTER] == D3DTEXF_ANISOTROPIC;
-      float level = anisotropic ? std::clamp(static_cast<float>(ts[D3DTSS_MAXANISOTROPY]), 1.0f,
-                                             g.maxAnisotropy)
-                                : 1.0f;
-      if (c.anisotropy != level) {
-        c.anisotropy = level;
-        glSamplerParameterf(g.sampler, GL_TEXTURE_MAX_ANISOTROPY, level);
-      }
     }
   }
 
