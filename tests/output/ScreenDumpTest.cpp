@@ -1,3 +1,6 @@
+// The screen dump: every record and field of the metafile, the frame rectangle's rounding, the
+// names that cannot be written, the control's fresh frame, and the handles of the GDI layer.
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -8,6 +11,7 @@
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
 #include "output/ModPrintScreen.h"
+#include "support/EventRecorder.h"
 
 namespace ostrel {
 namespace {
@@ -34,18 +38,6 @@ struct Emf {
     Words out;
     for (size_t i = 0; i < n; ++i) out.push_back(u32(from + 4 * i));
     return out;
-  }
-  // The bitmap with its 40-byte header at bmi and rows at bits, as top-down RGBA.
-  Image dib(size_t bmi, size_t bits) const {
-    const int w = int(u32(bmi + 4)), h = int(u32(bmi + 8)), bpp = int(u32(bmi + 12) >> 16) / 8;
-    const size_t stride = (size_t(w) * bpp + 3) / 4 * 4;
-    Image image{w, std::abs(h), {}};
-    for (int y = 0; y < image.height; ++y)
-      for (int x = 0; x < w; ++x) {
-        const size_t p = bits + stride * size_t(h > 0 ? h - 1 - y : y) + size_t(x) * bpp;
-        image.rgba.insert(image.rgba.end(), {bytes.at(p + 2), bytes.at(p + 1), bytes.at(p), 255});
-      }
-    return image;
   }
 };
 
@@ -79,12 +71,14 @@ void expectDump(const std::string& path, const Image& picture, const RECT& c,
          h,  0xCC0020,         c.left, c.top,      0x3F800000, 0,     0,          0x3F800000, 0,
          0,  0xFFFFFF,         0,      100,        40,         140,   stride * h, 40,         w,
          h,  1 | 24 << 16,     0,      stride * h, 0,          0,     0,          0}));
-  std::vector<uint8_t> want;  // the client area of the picture, opaque
-  for (int y = c.top; y < c.bottom; ++y)
+  std::vector<uint8_t> want;  // the client area of the picture, bottom row first, as BGR
+  for (int y = c.bottom - 1; y >= c.top; --y) {
     for (int x = c.left; x < c.right; ++x)
-      for (int k = 0; k < 4; ++k)
-        want.push_back(k == 3 ? 255 : picture.rgba[(size_t(y) * picture.width + x) * 4 + k]);
-  EXPECT_TRUE(f->dib(b + 100, b + 140).rgba == want);
+      for (int k : {2, 1, 0}) want.push_back(picture.rgba[(size_t(y) * picture.width + x) * 4 + k]);
+    want.resize(size_t(stride * (c.bottom - y)));  // rows padded with zeros to four bytes
+  }
+  EXPECT_TRUE(f->bytes.size() >= b + 140 + want.size() &&
+              std::equal(want.begin(), want.end(), f->bytes.begin() + long(b + 140)));
   EXPECT_EQ(f->words(f->at[3], 3), W({21, 12, 1}));  // back to BLACKONWHITE
   EXPECT_EQ(f->words(f->at[4], 5), W({14, 20, 0, 16, 20}));
 }
@@ -157,22 +151,22 @@ TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
   EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&flat, dir / "flat.emf"));
   EXPECT_EQ(dir.entries(), 1);
   EXPECT_TRUE(fs::is_empty(dir.path / "folder"));
+  // A file that cannot be written is left alone (root writes read-only files anyway).
+  std::ofstream(dir / "locked.emf") << "keep";
+  fs::permissions(dir / "locked.emf", fs::perms::owner_read);
+  if (geteuid() != 0) {
+    EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&p, dir / "locked.emf"));
+    EXPECT_EQ(fs::file_size(dir / "locked.emf"), 4u);
+  }
 }
-
-// Sees whether the dump's file is there when the frame before it is reported.
-struct FileWatch : ctlBoardEvents {
-  std::string path;
-  std::vector<bool> seen;
-  void afterDraw(float&) override { seen.push_back(fs::exists(path)); }
-};
 
 TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
   TempDir dir;
   HeadlessPlatform p(window(96, 64));
   ctlBoard board(p);
-  FileWatch watch;
-  watch.path = dir / "frame.emf";
-  board.setEventSink(&watch);
+  testing::EventRecorder events(board);
+  std::vector<bool> seen;  // whether the dump's file is there when the frame before it is reported
+  events.onAfterDraw = [&] { seen.push_back(fs::exists(dir / "frame.emf")); };
   board.ambientBackColor(0x00336699);
   for (const std::string& name : {std::string(), dir / "no/such.emf", dir.path.string()}) {
     board.screenDump(name);
@@ -181,29 +175,19 @@ TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
   board.screenDump(dir / "before.emf");  // no device: whatever the window shows
   expectDump(dir / "before.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
              p.screenMetrics());
-  Image shown = readEmf(dir / "before.emf")->dib(220, 260);
-  EXPECT_EQ(Words(shown.rgba.end() - 4, shown.rgba.end()), W({0x33, 0x66, 0x99, 255}));
+  // The window shows the back colour, as blue, green, red in the bitmap.
+  EXPECT_EQ(readEmf(dir / "before.emf")->words(260, 1), W({0x99336699}));
   EXPECT_EQ(dir.entries(), 1);
   EXPECT_TRUE(p.messages().empty());
 
   ASSERT_EQ(board.init(false, 0, 0), std::optional<bool>(true));
   const int presents = p.presentCount();
-  watch.seen.clear();
+  seen.clear();
   board.screenDump(dir / "frame.emf");
   EXPECT_EQ(p.presentCount(), presents + 1);
-  EXPECT_EQ(watch.seen, std::vector<bool>{false});  // the frame is reported before the file
+  EXPECT_EQ(seen, std::vector<bool>{false});  // the frame is reported before the file
   expectDump(dir / "frame.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
              p.screenMetrics());
-}
-
-TEST(ScreenDump, ReadOnlyFileIsLeftAlone) {
-  if (geteuid() == 0) GTEST_SKIP() << "root writes read-only files anyway";
-  TempDir dir;
-  std::ofstream(dir / "locked.emf") << "keep";
-  fs::permissions(dir / "locked.emf", fs::perms::owner_read);
-  HeadlessPlatform p;
-  EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&p, dir / "locked.emf"));
-  EXPECT_EQ(fs::file_size(dir / "locked.emf"), 4u);
 }
 
 TEST(Gdi, HandlesAreCheckedAndReleasedOnce) {
