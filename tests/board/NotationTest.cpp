@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <string>
 
 #include "ostrel/notation.h"
@@ -41,18 +43,28 @@ TEST(Tokens, GetTokenCountTokensAndNormalMoves) {
 }
 
 TEST(Tokens, ValueIsTheLeadingNumberRoundedToAFieldNumber) {
+  // The value comes from the token's own characters only: digits right after it change nothing,
+  // and a copy of exactly its size, with no terminator, is read within its bounds.
+  auto value = [](std::string_view token) {
+    const std::string buffer = std::string(token) + "987e3";
+    auto exact = std::make_unique<char[]>(std::max<size_t>(token.size(), 1));
+    std::memcpy(exact.get(), token.data(), token.size());
+    const int16_t v = tokenValue(std::string_view(exact.get(), token.size()));
+    EXPECT_EQ(tokenValue(std::string_view(buffer).substr(0, token.size())), v) << token;
+    return v;
+  };
   using Value = std::pair<const char*, int16_t>;
   const Value numbers[] = {{"32", 32},  {"32abc", 32}, {"32X23", 32}, {"  7", 7},     {"\t7", 7},
                            {"", 0},     {"abc", 0},    {"-5", -5},    {"+5", 5},      {"7 8", 7},
                            {"2.5", 2},  {"3.5", 4},    {"-2.5", -2},  {"0.51", 1},    {".5", 0},
                            {"1e1", 10}, {"1e", 1},     {"1e+", 1},    {"1.5e1x", 15}, {"0x1A", 0},
                            {"inf", 0},  {"nan", 0}};
-  for (const auto& [token, want] : numbers) EXPECT_EQ(tokenValue(token), want) << '"' << token;
+  for (const auto& [token, want] : numbers) EXPECT_EQ(value(token), want) << '"' << token;
   // Beyond 16 bits the value is held at the ends of the range.
   const Value beyond[] = {{"99999", 32767},     {"-99999", -32768}, {"32767.5", 32767},
                           {"-32768.5", -32768}, {"1e400", 32767},   {"-1e400", -32768},
                           {"1e-400", 0}};
-  for (const auto& [token, want] : beyond) EXPECT_EQ(tokenValue(token), want) << '"' << token;
+  for (const auto& [token, want] : beyond) EXPECT_EQ(value(token), want) << '"' << token;
   EXPECT_EQ(tokenValue(std::string(5000, '9')), 32767);
 }
 
