@@ -102,29 +102,36 @@ TEST(ModelSet, MissingFileGivesOneMessageAndLeavesItsMeshUndrawn) {
   }
 }
 
-TEST(ModelSet, SettersBeforeStartUpOnlyStore) {
+// The three image properties: stored before start-up and picked up by it, reloading on a change
+// after it, and stuck after a bad image.
+TEST(ModelSet, ImagePropertiesBeforeAndAfterStartUp) {
   Control s;
-  s.assets.copy("board.jpg", "other-board.jpg");
+  // A board model that names its own image "inner.jpg", and no "board.jpg" or "pieceblack.png":
+  // only the names given can load.
+  std::string model = s.assets.read(s.assets.models() / "board.x");
+  const size_t at = model.find("board.jpg");
+  ASSERT_NE(at, std::string::npos) << "board.x names its image";
+  s.assets.write(s.assets.models() / "board.x", model.replace(at, 9, "inner.jpg"));
+  s.assets.copy("board.jpg", "inner.jpg");
+  s.assets.copy("board.jpg", "plain.jpg");
   s.assets.remove("board.jpg");
   s.assets.copy("pieceblack.png", "dark.png");
   s.assets.remove("pieceblack.png");
-  s.board.alternativeBoard("other-board.jpg");
+  s.assets.copy("piecewhite.png", "light.png");
+  s.board.alternativeBoard("plain.jpg");
   s.board.alternativePieceBlack("dark.png");
   EXPECT_FALSE(s.models().boardMesh.hasMesh());
-  // Start-up picks the names up: the default images are gone, so only these can have loaded.
   ASSERT_EQ(s.init(), std::optional<bool>(true));
-  EXPECT_EQ(s.platform.messages(), Lines{});
-  EXPECT_TRUE(s.models().boardMesh.visible && s.models().pieceMesh[1].visible);
-  EXPECT_EQ(s.board.alternativeBoard(), "other-board.jpg");
-  EXPECT_EQ(s.board.alternativePieceBlack(), "dark.png");
-}
-
-TEST(ModelSet, PieceImageSetterReloadsOnlyOnAChange) {
-  Control s;
-  s.assets.copy("piecewhite.png", "light.png");
-  ASSERT_EQ(s.init(), std::optional<bool>(true));
-  s.platform.board = &s.board;
   const ModelSet& m = s.models();
+  EXPECT_TRUE(m.boardMesh.visible && m.pieceMesh[1].visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "plain.jpg");
+  EXPECT_EQ(s.board.alternativePieceBlack(), "dark.png");
+  // An empty board name reloads with the name inside the model, not "board.jpg".
+  s.board.alternativeBoard("");
+  EXPECT_TRUE(m.boardMesh.visible);
+  EXPECT_EQ(s.board.alternativeBoard(), "");
+
+  s.platform.board = &s.board;
   s.board.alternativePieceWhite("light.png");
   EXPECT_TRUE(s.platform.paints.empty()) << "the frame is hidden: a reload shows nothing";
   // With the file gone, a reload would fail; the same value again must not reload.
@@ -136,48 +143,27 @@ TEST(ModelSet, PieceImageSetterReloadsOnlyOnAChange) {
   EXPECT_TRUE(m.pieceMesh[0].visible && m.shadowMesh.visible);
   EXPECT_FLOAT_EQ(m.shadowMesh.material(0).Diffuse.a, 0.24f);
 
-  // A host that shows the frame sees the reload step the bar, and the frame goes at the end.
+  // A host that shows the frame sees a reload step the bar, and the frame goes at the end.
   s.board.showProgressBar("Changing pieces", true, 0);
   s.platform.paints.clear();
-  s.board.alternativePieceBlack("pieceblack.png");
+  s.board.alternativePieceWhite("piecewhite.png");
   ASSERT_EQ(s.platform.paints.size(), 2u);
   EXPECT_FLOAT_EQ(s.platform.paints[0].fillWidth, 2872.5f);
   EXPECT_FLOAT_EQ(s.platform.paints[1].fillWidth, 5745.0f);
   EXPECT_FALSE(s.board.label1().Visible || s.board.lblStatus().Visible);
 
-  // A bad image drops white for good: the bad name stays, and no setter brings white back.
+  // A bad image drops its model for good: the bad name stays, and no setter brings it back.
   s.board.alternativePieceWhite("missing.png");
-  EXPECT_EQ(s.platform.messages(), Lines{s.message("Texture", "missing.png")});
   EXPECT_FALSE(m.pieceMesh[0].visible);
   EXPECT_EQ(s.board.alternativePieceWhite(), "missing.png");
   s.board.alternativePieceWhite("");
-  EXPECT_EQ(s.platform.messages().size(), 1u);
   EXPECT_FALSE(m.pieceMesh[0].visible);
-}
-
-TEST(ModelSet, EmptyBoardNameReloadsWithTheNameInsideTheModel) {
-  Control s;
-  // A board model that names its own image "inner.jpg", and no "board.jpg" at all.
-  std::string model = s.assets.read(s.assets.models() / "board.x");
-  const size_t at = model.find("board.jpg");
-  ASSERT_NE(at, std::string::npos) << "board.x names its image";
-  s.assets.write(s.assets.models() / "board.x", model.replace(at, 9, "inner.jpg"));
-  s.assets.copy("board.jpg", "inner.jpg");
-  s.assets.copy("board.jpg", "plain.jpg");
-  s.assets.remove("board.jpg");
-  s.board.alternativeBoard("plain.jpg");
-  ASSERT_EQ(s.init(), std::optional<bool>(true));
-  s.board.alternativeBoard("");
-  EXPECT_EQ(s.platform.messages(), Lines{}) << "reloaded with inner.jpg, not board.jpg";
-  EXPECT_TRUE(s.models().boardMesh.visible);
-  EXPECT_EQ(s.board.alternativeBoard(), "");
-
-  // A missing image: one message box, no board in the frames, and setters only store.
   s.board.alternativeBoard("gone.jpg");
   s.board.alternativeBoard("plain.jpg");
-  EXPECT_EQ(s.platform.messages(), Lines{s.message("Texture", "gone.jpg")});
-  EXPECT_FALSE(s.models().boardMesh.visible);
+  EXPECT_FALSE(m.boardMesh.visible);
   EXPECT_EQ(s.board.alternativeBoard(), "plain.jpg");
+  EXPECT_EQ(s.platform.messages(),
+            (Lines{s.message("Texture", "missing.png"), s.message("Texture", "gone.jpg")}));
 }
 
 }  // namespace

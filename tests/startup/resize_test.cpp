@@ -43,7 +43,7 @@ TEST_F(Resize, BeforeStartUpNothingHappens) {
   EXPECT_EQ(s.platform.presentCount() + s.platform.resetCount(), 0);
 }
 
-TEST_F(Resize, OneResetHalfASecondAfterTheLastResize) {
+TEST_F(Resize, OneResetHalfASecondAfterTheLastResizeAlsoAcrossMidnight) {
   start(1000.0f);
   const int presents = s.platform.presentCount();
   s.platform.resizeControl(200, 100);
@@ -65,27 +65,23 @@ TEST_F(Resize, OneResetHalfASecondAfterTheLastResize) {
   EXPECT_EQ(backBuffer(), std::pair(200u, 100u));
   EXPECT_EQ(s.platform.presentCount(), presents + 2);
   EXPECT_EQ(tickFor(2000), 0) << "one Reset in all";
-}
 
-TEST_F(Resize, ALaterResizeMovesTheReset) {
-  start(500.0f);
+  // A second resize 0.4 seconds after the first moves the Reset to half a second after it.
   s.platform.resizeControl(200, 150);
   s.board.resize();
   EXPECT_EQ(tickFor(400), 0);
   s.platform.resizeControl(240, 180);
   s.board.resize();
-  EXPECT_FLOAT_EQ(s.board.resizeTime(), 500.4f);
+  EXPECT_FLOAT_EQ(s.board.resizeTime(), 1003.0f);
   EXPECT_EQ(tickFor(500), 0);
-  EXPECT_EQ(tickFor(100), 1) << "about half a second after the second call";
+  EXPECT_EQ(tickFor(100), 1);
   EXPECT_EQ(backBuffer(), std::pair(240u, 180u));
   EXPECT_EQ(tickFor(1000), 0);
-}
 
-TEST_F(Resize, ResizeJustBeforeMidnightResetsJustAfterIt) {
-  start(86399.95f);
-  s.platform.resizeControl(200, 100);
+  // Just before midnight: the first reading below resizeTime counts as late enough.
+  s.platform.useManualClock(5000, 86399.95f);
   s.board.resize();
-  EXPECT_EQ(tickFor(100), 1) << "the first reading below resizeTime counts as late enough";
+  EXPECT_EQ(tickFor(100), 1);
   EXPECT_LT(s.platform.Timer(), 1.0f);
   EXPECT_EQ(tickFor(1000), 0);
 }

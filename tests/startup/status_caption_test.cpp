@@ -21,8 +21,6 @@ struct Frame {
     frame.Width = 1500;
     status.ForeColor = 0x0000FF00;
   }
-  // The frame painted over a black window of w x h pixels.
-  Image paint(int w, int h) const;
 };
 
 Image blackWindow(int w, int h) {
@@ -31,9 +29,10 @@ Image blackWindow(int w, int h) {
   return image;
 }
 
-Image Frame::paint(int w, int h) const {
+// The frame painted over a black window of w x h pixels.
+Image paint(const Frame& f, int w, int h) {
   Image image = blackWindow(w, h);
-  ostrel::paintStatusFrame(image, frame, status, progress, 15, 15);
+  ostrel::paintStatusFrame(image, f.frame, f.status, f.progress, 15, 15);
   return image;
 }
 
@@ -51,7 +50,7 @@ int greenPixels(const Image& image, int x0, int y0, int x1, int y1) {
 
 TEST(StatusCaption, InItsColourOverTheFillClippedToTheFrameAndGoneWithIt) {
   Frame f;
-  const Image image = f.paint(300, 60);
+  const Image image = paint(f, 300, 60);
   // The frame spans x 8..108; the caption starts 4 px into its client area. A 16 px high font
   // reaches well below the label's first rows and stays above y 33.
   EXPECT_GT(greenPixels(image, 9, 9, 107, 32), 100);
@@ -63,21 +62,20 @@ TEST(StatusCaption, InItsColourOverTheFillClippedToTheFrameAndGoneWithIt) {
   f.progress.Visible = true;
   f.progress.Width = 5745;
   f.progress.Height = 345;
-  EXPECT_GT(greenPixels(f.paint(400, 60), 9, 9, 250, 32), 100) << "the text lies over the fill";
+  EXPECT_GT(greenPixels(paint(f, 400, 60), 9, 9, 250, 32), 100) << "the text lies over the fill";
   f.status.Visible = false;
-  EXPECT_EQ(greenPixels(f.paint(400, 60), 0, 0, 400, 60), 0);
+  EXPECT_EQ(greenPixels(paint(f, 400, 60), 0, 0, 400, 60), 0);
   f.status.Visible = true;
   f.frame.Visible = false;
-  EXPECT_EQ(f.paint(400, 60).rgba, blackWindow(400, 60).rgba) << "hiding the frame hides all";
-}
+  EXPECT_EQ(paint(f, 400, 60).rgba, blackWindow(400, 60).rgba) << "hiding the frame hides all";
 
-TEST(StatusCaption, OddTextAndTinyWindowsAreSafe) {
-  Frame f;
+  // Odd text and tiny windows are safe.
+  f.frame.Visible = true;
   f.status.Caption = std::string("\xff\xfe broken \xe2\x82 utf-8 \xf0\x9f\x98\x80", 24);
-  f.paint(50, 10);  // the frame runs off the window's edge
-  f.paint(0, 0);
+  paint(f, 50, 10);  // the frame runs off the window's edge
+  paint(f, 0, 0);
   f.status.FontSize = 400;  // taller than the frame
-  EXPECT_EQ(greenPixels(f.paint(300, 60), 0, 34, 300, 60), 0);
+  EXPECT_EQ(greenPixels(paint(f, 300, 60), 0, 34, 300, 60), 0);
 }
 
 }  // namespace
