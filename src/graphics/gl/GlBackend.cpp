@@ -120,7 +120,10 @@ vec4 anisotropic(vec2 uv) {
   vec2 step = (lx >= ly ? ax : ay) / n;
   vec2 at = uv - step * (0.5 * n - 0.5);
   vec4 sum = vec4(0.0);
-  for (float i = 0.0; i < n; i += 1.0) sum += textureLod(uTex, at + step * i, 0.0);
+  for (int i = 0; i < ANISOTROPY; ++i) {
+    if (float(i) >= n) break;
+    sum += textureLod(uTex, at + step * float(i), 0.0);
+  }
   return sum / n;
 }
 #endif
