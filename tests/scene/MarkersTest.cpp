@@ -19,7 +19,7 @@ struct Control {
 
 }  // namespace
 
-TEST(Markers, OnlyMoveFollowsTheListAtDrawBoard) {
+TEST(Markers, OnlyMoveFieldListAndLastMove) {
   Control c;
   c.board.addMoveList("32x28");
   c.board.drawBoard();  // field 32 is empty: the marker shows all the same
@@ -36,10 +36,8 @@ TEST(Markers, OnlyMoveFollowsTheListAtDrawBoard) {
   expectOn(c.marker[1], 0, 0.2275f, 0.08f);
   EXPECT_FLOAT_EQ(c.marker[1].posX(), -5.49f);
   EXPECT_FLOAT_EQ(c.marker[1].posZ(), 5.5f);
-}
 
-TEST(Markers, FieldListFillsSlotsOneToFifteen) {
-  Control c;
+  // The host's field list fills slots 1 to 15 and leaves the hover and last-move markers alone.
   c.marker[0].visible = c.marker[16].visible = true;
   c.board.setHLfields("7|12|7");
   expectOn(c.marker[1], 7, 0.2365f, 0.08f);
@@ -54,18 +52,18 @@ TEST(Markers, FieldListFillsSlotsOneToFifteen) {
 
   // Names past the fifteenth get no marker and leave the last move's and slot 17 alone.
   c.board.highlightLastMove(true);
-  c.board.setHighLightField(46);
+  c.board.setHighLightField(12);
   c.board.setHLfields("1|2|3|4|5|6|7|8|9|10|11|12|13|14|15|16|17|18|19|20");
   for (int16_t i = 1; i <= 15; ++i) expectOn(c.marker[i], i, 0.2365f, 0.08f);
-  expectOn(c.marker[16], 46, 0.228f, 0.08f);
+  expectOn(c.marker[16], 12, 0.228f, 0.08f);
   EXPECT_FALSE(c.marker[17].visible);
-}
 
-TEST(Markers, LastMoveMarkerNeedsAFieldAndTheSwitch) {
-  Control c;
-  c.board.setHighLightField(28);  // highlightLastMove is off: nothing is placed
+  // The last-move marker needs a field and the switch: switched off, it is hidden and nothing
+  // is placed.
+  c.board.highlightLastMove(false);
+  c.board.setHighLightField(28);
   EXPECT_FALSE(c.marker[16].visible);
-  EXPECT_EQ(c.marker[16].posY(), 0.0f);
+  EXPECT_EQ(c.marker[16].posZ(), 2.5f) << "still where field 12 put it";
   c.board.highlightLastMove(true);
   c.board.setHighLightField(46);
   expectOn(c.marker[16], 46, 0.228f, 0.08f);
