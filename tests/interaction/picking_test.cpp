@@ -13,13 +13,10 @@ using namespace ostrel;
 using namespace ostrel::testing;
 
 namespace {
-struct View {
-  float elevation, azimuth, distance;
-};
-void look(LiveBoard& b, const View& v) {
-  b.board.rotationHorizontalAxis(v.elevation);
-  b.board.rotationVerticalAxis(v.azimuth);
-  b.board.viewingDistance(v.distance);
+void look(LiveBoard& b, float elevation, float azimuth, float distance) {
+  b.board.rotationHorizontalAxis(elevation);
+  b.board.rotationVerticalAxis(azimuth);
+  b.board.viewingDistance(distance);
 }
 int16_t pick(LiveBoard& b, double x, double y) {
   b.down(4, x, y);
@@ -35,10 +32,12 @@ TEST(Picking, EveryFieldWhereItsMarkerIsDrawn) {
   const float top = b.board.rotationHorizontalAxis(), south = b.board.rotationVerticalAxis();
   // At the default distance the outer fields lie partly beyond the picture; each is picked where
   // it shows. Further away, and from slanted views, all fifty show.
-  for (const View& v : {View{top, south, 15}, View{top, south, 20}, View{0.9f, south, 24},
-                        View{0.6f, 0.7f, 27}, View{1.2f, 2.5f, 22}, View{0.45f, -1.2f, 30}}) {
-    SCOPED_TRACE(::testing::Message() << v.elevation << " " << v.azimuth << " " << v.distance);
-    look(b, v);
+  using View = std::array<float, 3>;  // elevation, azimuth, distance
+  for (const auto [elevation, azimuth, distance] :
+       {View{top, south, 15}, View{top, south, 20}, View{0.9f, south, 24}, View{0.6f, 0.7f, 27},
+        View{1.2f, 2.5f, 22}, View{0.45f, -1.2f, 30}}) {
+    SCOPED_TRACE(::testing::Message() << elevation << " " << azimuth << " " << distance);
+    look(b, elevation, azimuth, distance);
     int shown = 0;
     for (int f = 1; f <= 50; ++f) {
       const Blob m = b.fieldBlob(f);
@@ -46,10 +45,10 @@ TEST(Picking, EveryFieldWhereItsMarkerIsDrawn) {
       ++shown;
       EXPECT_EQ(pick(b, m.x, m.y), f);
     }
-    EXPECT_GE(shown, v.distance == 15 ? 30 : 50);
+    EXPECT_GE(shown, distance == 15 ? 30 : 50);
   }
   // Between two fields of a row lies a light square; the picture's corner lies off the board.
-  look(b, {top, south, 20});
+  look(b, top, south, 20);
   const Blob a = b.fieldBlob(22), c = b.fieldBlob(23);
   EXPECT_EQ(pick(b, (a.x + c.x) / 2, (a.y + c.y) / 2), -1);
   EXPECT_EQ(pick(b, 0, 0), -1);
@@ -64,7 +63,7 @@ TEST(Picking, PieceFollowsThePointerAndTheDropIsAccepted) {
       SCOPED_TRACE(::testing::Message() << elevation << " " << azimuth);
       LiveBoard b;
       ASSERT_TRUE(b.started);
-      look(b, {elevation, azimuth, 22});
+      look(b, elevation, azimuth, 22);
       b.setPosition({{32, 2}, {19, 3}}, {"32-28", "32-27"});
       const Blob source = b.pieceBlob(32), target = b.pieceBlob(28);
       ASSERT_TRUE(source.contains(source.x, source.y));
