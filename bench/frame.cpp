@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchTiming.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
 #include "ostrel/HeadlessPlatform.h"
@@ -19,7 +20,9 @@
 namespace {
 
 using namespace ostrel;
-using Clock = std::chrono::steady_clock;
+using bench::Clock;
+using bench::median;
+using bench::timedMs;
 
 // A started control showing 20 white and 20 black men, two of them kings, with shadows, 15
 // field markers and the last-move marker.
@@ -55,20 +58,6 @@ void clearAndPresent() {
   d.BeginScene();
   d.EndScene();
   d.Present();
-}
-
-double median(std::vector<double> v) {
-  if (v.empty()) return 0;
-  std::sort(v.begin(), v.end());
-  const size_t n = v.size();
-  return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
-}
-
-template <typename F>
-double timedMs(F&& f) {
-  const auto t0 = Clock::now();
-  f();
-  return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
 }
 
 void label(benchmark::State& state) {

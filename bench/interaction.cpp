@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchTiming.h"
 #include "control/ControlAccess.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
@@ -23,7 +24,9 @@
 namespace {
 
 using namespace ostrel;
-using Clock = std::chrono::steady_clock;
+using bench::Clock;
+using bench::median;
+using bench::timedMs;
 
 // A started 640 x 480 control with 20 men of each colour and shadows, and moves from field 32.
 struct Rig {
@@ -58,20 +61,6 @@ struct Rig {
   ctlBoard board;
   bool started = false;
 };
-
-double median(std::vector<double> v) {
-  if (v.empty()) return 0;
-  std::sort(v.begin(), v.end());
-  const size_t n = v.size();
-  return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
-}
-
-template <typename F>
-double timedMs(F&& f) {
-  const auto t0 = Clock::now();
-  f();
-  return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
-}
 
 void BM_DragMove(benchmark::State& state) {
   Rig rig(true);

@@ -40,7 +40,7 @@ struct Options {
   float distance = kWholeBoardDistance;
   std::string lastMove, marks;
   int antiAliasing = 2;
-  int anisotropy = 1;  // the adapter's MaxAnisotropy: 1 keeps software rendering quick
+  int anisotropy = 16;  // the adapter's MaxAnisotropy
   bool shadows = true;
   std::string modelFolder;  // empty: the shipped models
   std::string out = "board.png";

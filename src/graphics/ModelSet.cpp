@@ -1,15 +1,11 @@
 #include "graphics/ModelSet.h"
 
 #include "control/StatusFrame.h"
+#include "scene/Markers.h"
 
 namespace ostrel::graphics {
 
 namespace {
-
-constexpr int kHoverMarker = 0;
-constexpr int kFirstFieldMarker = 1;
-constexpr int kLastFieldMarker = 15;
-constexpr int kLastMoveMarker = 16;
 
 void loadHiddenMarker(clsMesh& marker, const char* model) {
   marker.init(model, std::string());
@@ -36,12 +32,12 @@ void setPieceImage(ControlState& s, std::string& member, const std::string& name
 void loadBoardAndMarkers(ControlState& s) {
   if (s.alternativeBoard.empty()) s.alternativeBoard = kDefaultBoardImage;
   s.models.boardMesh.init(kBoardModel, s.alternativeBoard);
-  loadHiddenMarker(s.models.markerMesh[kHoverMarker], kHoverMarkerModel);
+  loadHiddenMarker(s.models.markerMesh[scene::kHoverMarker], kHoverMarkerModel);
   // Each field marker holds its own copy of the model.
-  for (int i = kFirstFieldMarker; i <= kLastFieldMarker; ++i) {
+  for (int i = scene::kFirstListMarker; i <= scene::kLastListMarker; ++i) {
     loadHiddenMarker(s.models.markerMesh[static_cast<size_t>(i)], kFieldMarkerModel);
   }
-  loadHiddenMarker(s.models.markerMesh[kLastMoveMarker], kLastMoveMarkerModel);
+  loadHiddenMarker(s.models.markerMesh[scene::kLastMoveMarker], kLastMoveMarkerModel);
 }
 
 void loadPieceMeshes(ControlState& s) {

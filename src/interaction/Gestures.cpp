@@ -36,8 +36,6 @@ namespace {
 constexpr int16_t kLeftButton = 1;
 constexpr int16_t kRightButton = 2;
 constexpr int kFields = 50;
-constexpr int kHoverMarker = 0;
-constexpr int kLastDragMarker = 15;
 
 constexpr float kDragHeight = static_cast<float>(scene::kRestHeight + kDragLift);  // 0.4765
 constexpr float kDragTopHeight = scene::stackedHeight(kDragHeight);                // 0.6865
@@ -80,7 +78,7 @@ void markDestinations(ControlState& s, int16_t field) {
     const std::string& move = s.moves.moveList[static_cast<size_t>(i)];
     if (firstField(move) != field) continue;
     const int16_t dest = lastField(move);
-    if (marker <= kLastDragMarker) {
+    if (marker <= scene::kLastListMarker) {
       scene::placeMarker(s.models.markerMesh[static_cast<size_t>(marker)], dest,
                          scene::kMoveMarkerHeight);
       ++marker;
@@ -126,7 +124,7 @@ int16_t carryPiece(ControlState& s, float boardX, float boardY) {
   GestureState& g = s.gesture;
   float px = 0, py = 0;
   const int16_t f = fieldUnderPiece(g, boardX, boardY, px, py);
-  clsMesh& hover = s.models.markerMesh[kHoverMarker];
+  clsMesh& hover = s.models.markerMesh[scene::kHoverMarker];
   if (isLegalTarget(g, f)) {
     scene::placeMarker(hover, f, scene::kFieldMarkerHeight);
   } else {
@@ -166,7 +164,7 @@ void acceptDrop(ControlState& s, int16_t f) {
 }  // namespace
 
 void hideDragMarkers(ControlState& s) {
-  for (int i = kHoverMarker; i <= kLastDragMarker; ++i)
+  for (int i = scene::kHoverMarker; i <= scene::kLastListMarker; ++i)
     s.models.markerMesh[static_cast<size_t>(i)].visible = false;
 }
 

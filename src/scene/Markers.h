@@ -9,7 +9,9 @@
 
 namespace ostrel::scene {
 
-// Marker slots that a field list can fill: 1 to 15.
+// The hover marker under a dragged piece, then the slots that a field list or a drag's
+// destinations can fill: 1 to 15.
+inline constexpr int kHoverMarker = 0;
 inline constexpr int kFirstListMarker = 1;
 inline constexpr int kLastListMarker = 15;
 inline constexpr int kOnlyMoveMarker = 1;

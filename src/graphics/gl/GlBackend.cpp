@@ -439,17 +439,6 @@ GLint textureAddress(uint32_t d3d) {
   }
 }
 
-void multiply(const D3DMATRIX& a, const D3DMATRIX& b, D3DMATRIX& out) {
-  D3DMATRIX r;
-  for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) {
-      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] +
-                  a.m[i][3] * b.m[3][j];
-    }
-  }
-  out = r;
-}
-
 std::array<float, 16> flat(const D3DMATRIX& m) {
   std::array<float, 16> r;
   std::memcpy(r.data(), &m.m[0][0], sizeof r);
@@ -1085,7 +1074,7 @@ void GlDevice::prepareDraw(GlMesh& mesh) {
   Program& u = program;
   const bool force = !u.valid;
   D3DMATRIX worldView;
-  multiply(state_.world, state_.view, worldView);
+  D3DXMatrixMultiply(worldView, state_.world, state_.view);
   setVec(u.uWorldView, u.worldView, flat(worldView), force);
   setVec(u.uProj, u.projection, flat(state_.projection), force);
   if (lighting) {
