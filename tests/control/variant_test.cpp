@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 
 namespace {
@@ -50,17 +49,6 @@ TEST(Variant, Truth) {
   EXPECT_TRUE(Variant("-1").toBool());
   EXPECT_FALSE(Variant("no").toBool());
   EXPECT_FALSE(Variant().toBool());
-}
-
-}  // namespace
-
-namespace {
-
-TEST(Variant, DecimalPointIsAPointWhateverTheLocale) {
-  // A host that switched to a comma-decimal locale still reads "2.5" as two and a half.
-  if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8")) std::setlocale(LC_NUMERIC, "C");
-  EXPECT_EQ(ostrel::Variant("2.5").leadingNumber(), 2.5);
-  std::setlocale(LC_NUMERIC, "C");
 }
 
 }  // namespace
