@@ -100,8 +100,9 @@ void BM_DeviceCreation(benchmark::State& state) {
   }
 }
 
-// A change of the white piece image after start-up: both piece models and the shadow again.
-void BM_PieceImageReload(benchmark::State& state) {
+// A started control whose image property is changed back and forth, each change a reload.
+template <typename Change>
+void imageReload(benchmark::State& state, Change change) {
   ostrel::HeadlessPlatform platform(options());
   ostrel::ctlBoard board(platform);
   auto result = board.init(false, 2, 1, assets().path());
@@ -111,28 +112,25 @@ void BM_PieceImageReload(benchmark::State& state) {
   }
   bool alternative = false;
   for (auto _ : state) {
-    // "piecewhite.png" and "" name the same image but differ as values, so each call reloads.
     alternative = !alternative;
-    board.alternativePieceWhite(alternative ? "piecewhite.png" : "");
+    change(board, alternative);
   }
   if (!platform.messages().empty()) state.SkipWithError("a reload failed");
 }
 
+// A change of the white piece image after start-up: both piece models and the shadow again.
+// "piecewhite.png" and "" name the same image but differ as values, so each call reloads.
+void BM_PieceImageReload(benchmark::State& state) {
+  imageReload(state, [](ostrel::ctlBoard& board, bool alternative) {
+    board.alternativePieceWhite(alternative ? "piecewhite.png" : "");
+  });
+}
+
 // A change of the board image after start-up: the board model again.
 void BM_BoardImageReload(benchmark::State& state) {
-  ostrel::HeadlessPlatform platform(options());
-  ostrel::ctlBoard board(platform);
-  auto result = board.init(false, 2, 1, assets().path());
-  if (!result || !*result) {
-    state.SkipWithError("init did not succeed");
-    return;
-  }
-  bool alternative = false;
-  for (auto _ : state) {
-    alternative = !alternative;
+  imageReload(state, [](ostrel::ctlBoard& board, bool alternative) {
     board.alternativeBoard(alternative ? "" : "board.jpg");
-  }
-  if (!platform.messages().empty()) state.SkipWithError("a reload failed");
+  });
 }
 
 // Medians over repetitions; GL work runs on llvmpipe's threads, so wall time is what counts.
