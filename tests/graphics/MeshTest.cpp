@@ -11,23 +11,21 @@ namespace {
 using namespace graphics;
 
 struct MeshFixture : GraphicsFixture {
-  MeshFixture() : GraphicsFixture(64, 64) { EXPECT_TRUE(startDevice()); }
-  std::string base() { return folder.str(); }
-  // Every vertex of a mesh in the 0x112 layout.
-  std::vector<float> vertices(const clsMesh& mesh) {
-    auto* m = const_cast<Mesh*>(mesh.mesh());
-    std::vector<float> v(m->GetNumVertices() * 8);
-    m->GetVertexBuffer()->GetData(0, static_cast<uint32_t>(v.size() * 4), 0, v.data());
-    return v;
+  MeshFixture() : GraphicsFixture(64, 64) { state().ambientBackColor = 0x102030; }
+  // The message the last load showed, and whether it was the only new one.
+  std::string lastMessage(size_t expectedCount) {
+    EXPECT_EQ(platform.messages().size(), expectedCount);
+    return platform.messages().empty() ? "" : platform.messages().back();
   }
+  // True when the frame shows nothing but the background.
+  bool empty() { return countNot(frame(), {0x10, 0x20, 0x30}) == 0; }
 };
 
 TEST(MeshLoad, MissingModelAndMissingTextureEachGiveTheirMessage) {
   MeshFixture f;
   clsMesh missing;
   missing.init("models/none.x", "");
-  ASSERT_EQ(f.platform.messages().size(), 1u);
-  EXPECT_EQ(f.platform.messages()[0], "Model load failed: " + f.base() + "/models/none.x");
+  EXPECT_EQ(f.lastMessage(1), "Model load failed: " + f.path("none.x"));
   EXPECT_FALSE(missing.visible);
   EXPECT_FALSE(missing.hasMesh());
   missing.render();
@@ -37,8 +35,7 @@ TEST(MeshLoad, MissingModelAndMissingTextureEachGiveTheirMessage) {
   f.writeModel("q.x", quadModel(1, 0, {1, 1, 1, 1, 0, 0, 0, "gone.png"}));
   clsMesh untextured;
   untextured.init("models/q.x", "");
-  ASSERT_EQ(f.platform.messages().size(), 2u);
-  EXPECT_EQ(f.platform.messages()[1], "Texture load failed: " + f.base() + "/models/gone.png");
+  EXPECT_EQ(f.lastMessage(2), "Texture load failed: " + f.path("gone.png"));
   // The geometry loaded, but the model is not drawn at all.
   EXPECT_TRUE(untextured.hasMesh());
   EXPECT_FALSE(untextured.visible);
@@ -55,68 +52,56 @@ TEST(MeshLoad, MissingModelAndMissingTextureEachGiveTheirMessage) {
 TEST(MeshLoad, BadFilesNeverCrashAndLeaveTheMeshUndrawn) {
   MeshFixture f;
   const std::string good = quadModel(3, 0, {1, 1, 1, 1, 0, 0, 0, "img.png"}).text();
-  const std::vector<std::pair<std::string, std::string>> models = {
+  const std::string triangle =
+      "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n";
+  const std::pair<std::string, std::string> models[] = {
       {"empty.x", ""},
+      {"header.x", "xof 0303txt 0032\n"},
       {"truncated.x", good.substr(0, good.size() * 2 / 3)},
       {"garbage.x", "\x7f\x45\x4c\x46\x02\x01\x01 garbage \xff\xfe\xfd"},
       {"noise.x", "xof 0303txt 0032\n{{{{ ;;;; }}}} Mesh Mesh Mesh -1;"},
       // Well-formed text whose counts and indices lie; the model reader would trust them.
-      {"nomaterial.x",
-       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
-       "1;3;0,1,2;;\nMeshMaterialList {1;1;0;;}\n}\n"},
-      {"farindex.x",
-       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
-       "1;3;0,1,7;;\n}\n"},
-      {"fewnormals.x",
-       "xof 0303txt 0032\nMesh {3;0.0;0.0;0.0;,0.0;0.0;1.0;,1.0;0.0;1.0;;\n"
-       "1;3;0,1,2;;\nMeshNormals {1;0.0;1.0;0.0;;1;3;0,0,1;;}\n}\n"},
+      {"nomaterial.x", triangle + "1;3;0,1,2;;\nMeshMaterialList {1;1;0;;}\n}\n"},
+      {"farindex.x", triangle + "1;3;0,1,7;;\n}\n"},
+      {"fewnormals.x", triangle + "1;3;0,1,2;;\nMeshNormals {1;0.0;1.0;0.0;;1;3;0,0,1;;}\n}\n"},
       {"huge.x", "xof 0303txt 0032\nMesh { 99999999; 1.0;2.0;3.0;; }"},
   };
-  const std::vector<std::pair<std::string, std::string>> images = {
+  const std::pair<std::string, std::string> images[] = {
       {"empty.png", ""},
       {"garbage.png", "GIF89a\x01\x00\x01\x00 nonsense"},
+      {"signature.png", "\x89PNG\r\n\x1a\n not really"},
       {"cut.png", solidPng(1, 2, 3, 16).substr(0, 40)},
       {"wide.png", pngBytes(4097, 1, std::vector<uint8_t>(4097 * 4, 200))},  // past the limit
   };
-  ControlState& s = f.state();
-  s.ambientBackColor = 0x102030;
+  clsMesh& board = f.state().models.boardMesh;
+  size_t count = 0;
   for (const auto& [name, bytes] : models) {
+    SCOPED_TRACE(name);
     f.writeFile(name, bytes);
-    const size_t before = f.platform.messages().size();
-    s.models.boardMesh.init("models/" + name, "");
-    ASSERT_EQ(f.platform.messages().size(), before + 1) << name;
-    EXPECT_EQ(f.platform.messages().back(), "Model load failed: " + f.base() + "/models/" + name);
-    EXPECT_FALSE(s.models.boardMesh.visible);
-    EXPECT_EQ(countNot(f.frame(), {0x10, 0x20, 0x30}, 0), 0) << name;
+    board.init("models/" + name, "");
+    EXPECT_EQ(f.lastMessage(++count), "Model load failed: " + f.path(name));
+    EXPECT_FALSE(board.visible);
+    EXPECT_TRUE(f.empty());
   }
   f.writeModel("good.x", quadModel(3, 0, {1, 1, 1, 1, 0, 0, 0, "img.png"}));
   for (const auto& [name, bytes] : images) {
+    SCOPED_TRACE(name);
     f.writeFile(name, bytes);
-    clsMesh& board = s.models.boardMesh = clsMesh();
+    board = clsMesh();
     board.init("models/good.x", name);
-    ASSERT_FALSE(f.platform.messages().empty());
-    EXPECT_EQ(f.platform.messages().back(), "Texture load failed: " + f.base() + "/models/" + name);
+    EXPECT_EQ(f.lastMessage(++count), "Texture load failed: " + f.path(name));
     EXPECT_FALSE(board.visible);
-    EXPECT_EQ(countNot(f.frame(), {0x10, 0x20, 0x30}, 0), 0) << name;
+    EXPECT_TRUE(f.empty());
   }
 }
 
 TEST(MeshLoad, ThreeMaterialsWithAnAlternativeAndTheDiffuseAlpha) {
   MeshFixture f;
-  XModel m;
-  m.positions = {{-3, 0, -3}, {-3, 0, 3}, {-1, 0, 3}, {-1, 0, -3},
-                 {1, 0, 3},   {1, 0, -3}, {3, 0, 3},  {3, 0, -3}};
-  m.faces = {{0, 1, 2, 3}, {3, 2, 4, 5}, {5, 4, 6, 7}};
-  m.faceMaterial = {0, 1, 2};
-  m.normals.assign(8, {0, 1, 0});
-  m.uvs.assign(8, {0.5f, 0.5f});
-  m.materials = {{0.5f, 0.5f, 0.5f, 0.3f, 0, 0, 0, "a.png"},
-                 {0.2f, 0.6f, 0.2f, 0.7f, 0, 0, 0, ""},
-                 {0.5f, 0.5f, 0.5f, 0.9f, 0, 0, 0, "b.png"}};
-  f.writeModel("three.x", m);
+  f.writeModel("three.x", stripsModel({{0.5f, 0.5f, 0.5f, 0.3f, 0, 0, 0, "a.png"},
+                                       {0.2f, 0.6f, 0.2f, 0.7f, 0, 0, 0, ""},
+                                       {0.5f, 0.5f, 0.5f, 0.9f, 0, 0, 0, "b.png"}}));
   f.writeFile("alt.png", solidPng(250, 0, 0));  // a.png and b.png do not exist
-  ControlState& s = f.state();
-  clsMesh& mesh = s.models.boardMesh;
+  clsMesh& mesh = f.state().models.boardMesh;
   mesh.init("models/three.x", "alt.png");
   ASSERT_TRUE(mesh.visible);
   ASSERT_EQ(mesh.materialCount(), 3);
@@ -128,15 +113,14 @@ TEST(MeshLoad, ThreeMaterialsWithAnAlternativeAndTheDiffuseAlpha) {
   EXPECT_FLOAT_EQ(mesh.material(1).Ambient.a, 0.7f);
   EXPECT_FLOAT_EQ(mesh.material(2).Diffuse.a, 0.9f);
 
+  // The outer strips show the alternative texture, the middle one its lit green material.
   Image image = f.frame();
-  int lx, ly, mx, my, rx, ry;
-  f.pixelOf(-2, 0, 0, lx, ly);
-  f.pixelOf(0, 0, 0, mx, my);
-  f.pixelOf(2, 0, 0, rx, ry);
-  EXPECT_GT(pixel(image, lx, ly)[0], 150);
-  EXPECT_LT(pixel(image, lx, ly)[1], 10);
-  EXPECT_EQ(pixel(image, rx, ry), pixel(image, lx, ly));
-  EXPECT_GT(pixel(image, mx, my)[1], 150);  // untextured: its lit green material
+  const auto left = f.at(image, -2, 0, 0), middle = f.at(image, 0, 0, 0);
+  EXPECT_GT(left[0], 150);
+  EXPECT_LT(left[1], 10);
+  EXPECT_EQ(f.at(image, 2, 0, 0), left);
+  EXPECT_GT(middle[1], 150);
+  EXPECT_LT(middle[0], 150);
 
   // A diffuse argument sets the alpha of every material, after Ambient took the file's.
   clsMesh zero;
@@ -153,34 +137,27 @@ TEST(MeshTranslate, BakesScaleAndMoveOnlyIntoTheFullVertexFormat) {
   clsMesh mesh;
   mesh.init("models/q.x", "");
   ASSERT_TRUE(mesh.visible);
-  const std::vector<float> original = f.vertices(mesh);
-
+  auto vertices = [&] { return GraphicsFixture::vertices(*mesh.mesh()); };
+  const std::vector<float> original = vertices();
   mesh.Translate(1, 0, 0, 0);
-  EXPECT_EQ(f.vertices(mesh), original);
-  mesh.Translate(2, 0, 0, 0);  // a pure scale about the origin
-  std::vector<float> v = f.vertices(mesh);
-  for (size_t i = 0; i < v.size(); i += 8) {
-    EXPECT_FLOAT_EQ(v[i], original[i] * 2);
-    EXPECT_FLOAT_EQ(v[i + 1], 1.0f);
-    EXPECT_FLOAT_EQ(v[i + 4], 1.0f);  // normals and coordinates stay
-    EXPECT_FLOAT_EQ(v[i + 7], original[i + 7]);
-  }
+  EXPECT_EQ(vertices(), original);
+  // A pure scale about the origin; then a move shifts the vertices by the difference to the old
+  // position and stores the new one. Normals and texture coordinates stay.
+  mesh.Translate(2, 0, 0, 0);
   EXPECT_EQ(mesh.posX(), 0.0f);
-
-  // A move shifts the vertices by the difference to the old position and stores the new one.
   mesh.Translate(1, 1, 2, 3);
-  const std::vector<float> moved = f.vertices(mesh);
-  for (size_t i = 0; i < v.size(); i += 8) {
-    EXPECT_FLOAT_EQ(moved[i], v[i] + 1);
-    EXPECT_FLOAT_EQ(moved[i + 1], v[i + 1] + 2);
-    EXPECT_FLOAT_EQ(moved[i + 2], v[i + 2] + 3);
+  EXPECT_EQ((std::array{mesh.posX(), mesh.posY(), mesh.posZ()}), (std::array{1.0f, 2.0f, 3.0f}));
+  const std::vector<float> moved = vertices();
+  for (size_t i = 0; i < moved.size(); ++i) {
+    const size_t k = i % 8;
+    const float expected = k < 3 ? original[i] * 2 + static_cast<float>(k + 1) : original[i];
+    EXPECT_FLOAT_EQ(moved[i], expected) << "float " << i;
   }
-  EXPECT_EQ(mesh.posZ(), 3.0f);
   mesh.Translate(1, mesh.posX(), mesh.posY(), mesh.posZ());
-  EXPECT_EQ(f.vertices(mesh), moved);
+  EXPECT_EQ(vertices(), moved);
   // Setting a position changes no vertex.
   mesh.posX(7);
-  EXPECT_EQ(f.vertices(mesh), moved);
+  EXPECT_EQ(vertices(), moved);
 
   // Without normals the format is 0x102, and Translate leaves model and position alone.
   XModel plain = quadModel(1, 0.5f, {});
@@ -190,45 +167,35 @@ TEST(MeshTranslate, BakesScaleAndMoveOnlyIntoTheFullVertexFormat) {
   flat.init("models/plain.x", "");
   ASSERT_TRUE(flat.visible);
   ASSERT_EQ(flat.mesh()->GetFVF(), 0x102u);
-  std::vector<float> before(4 * 5), after(4 * 5);
-  const_cast<Mesh*>(flat.mesh())->GetVertexBuffer()->GetData(0, 80, 0, before.data());
+  const std::vector<float> before = GraphicsFixture::vertices(*flat.mesh());
   flat.Translate(3, 1, 1, 1);
-  const_cast<Mesh*>(flat.mesh())->GetVertexBuffer()->GetData(0, 80, 0, after.data());
-  EXPECT_EQ(before, after);
+  EXPECT_EQ(GraphicsFixture::vertices(*flat.mesh()), before);
   EXPECT_EQ(flat.posX(), 0.0f);
 }
 
 TEST(MeshTranslate, BakedVerticesAreWhatTheNextFrameDraws) {
   MeshFixture f;
-  f.state().ambientBackColor = 0;
   f.writeModel("q.x", quadModel(0.5f, 0, {1, 1, 1, 1, 0, 0, 0, ""}));
   clsMesh& mesh = f.state().models.boardMesh;
   mesh.init("models/q.x", "");
   f.frame();
-  int px, py;
-  f.pixelOf(2, 0, 0, px, py);
-  EXPECT_EQ(pixel(f.frame(), px, py)[0], 0);
   mesh.Translate(1, 2, 0, 0);  // vertices moved by 2, world matrix by 2 again
-  f.pixelOf(4, 0, 0, px, py);
-  EXPECT_GT(pixel(f.frame(), px, py)[0], 200);
+  Image image = f.frame();
+  EXPECT_EQ(f.at(image, 2, 0, 0)[0], 0x10);
+  EXPECT_GT(f.at(image, 4, 0, 0)[0], 200);
 }
 
-TEST(MeshCulling, BackFacesAreCulledAndTheCubeShowsItsLitTop) {
+TEST(MeshCulling, BackFacesAreCulled) {
   MeshFixture f;
-  f.state().ambientBackColor = 0;
   XModel reversed = quadModel(2, 0, {1, 1, 1, 1, 0, 0, 0, ""});
   reversed.faces = {{3, 2, 1, 0}};
   f.writeModel("back.x", reversed);
-  ControlState& s = f.state();
-  s.models.boardMesh.init("models/back.x", "");
-  EXPECT_EQ(countNot(f.frame(), {0, 0, 0}, 0), 0);
-
-  f.writeModel("cube.x", cubeModel(1, {0.4f, 0.4f, 0.4f, 1, 0, 0, 0, ""}));
-  s.models.boardMesh.init("models/cube.x", "");
-  Image image = f.frame();
-  const int expected =
-      static_cast<int>(std::lround(0.4 * (128.0 / 255 + 0.81 / std::sqrt(1.04)) * 255));
-  EXPECT_NEAR(pixel(image, 32, 32)[0], expected, 2);
+  f.state().models.boardMesh.init("models/back.x", "");
+  EXPECT_TRUE(f.empty());
+  reversed.faces = {{0, 1, 2, 3}};
+  f.writeModel("front.x", reversed);
+  f.state().models.boardMesh.init("models/front.x", "");
+  EXPECT_FALSE(f.empty());
 }
 
 }  // namespace

@@ -106,49 +106,15 @@ XModel quadModel(float h, float y, const XMaterial& material) {
   return m;
 }
 
-XModel discModel(float r, float y, int n, const XMaterial& material) {
+XModel stripsModel(const std::vector<XMaterial>& materials) {
   XModel m;
-  std::vector<int> face;
-  for (int i = 0; i < n; ++i) {
-    // Clockwise seen from above: the angle runs from +z towards +x.
-    const double t = 2 * M_PI * i / n;
-    m.positions.push_back(
-        {static_cast<float>(r * std::sin(t)), y, static_cast<float>(r * std::cos(t))});
-    m.normals.push_back({0, 1, 0});
-    m.uvs.push_back({0.5f, 0.5f});
-    face.push_back(i);
-  }
-  m.faces = {face};
-  m.materials = {material};
-  m.faceMaterial = {0};
-  return m;
-}
-
-XModel cubeModel(float h, const XMaterial& material) {
-  XModel m;
-  // Each side: four corners clockwise seen from outside, and its normal.
-  const std::array<std::array<float, 3>, 6> normal = {
-      {{0, 1, 0}, {0, -1, 0}, {1, 0, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, -1}}};
-  const std::array<std::array<std::array<float, 3>, 4>, 6> corners = {{
-      {{{-h, h, -h}, {-h, h, h}, {h, h, h}, {h, h, -h}}},
-      {{{-h, -h, -h}, {h, -h, -h}, {h, -h, h}, {-h, -h, h}}},
-      {{{h, -h, -h}, {h, h, -h}, {h, h, h}, {h, -h, h}}},
-      {{{-h, -h, -h}, {-h, -h, h}, {-h, h, h}, {-h, h, -h}}},
-      {{{-h, -h, h}, {h, -h, h}, {h, h, h}, {-h, h, h}}},
-      {{{-h, -h, -h}, {-h, h, -h}, {h, h, -h}, {h, -h, -h}}},
-  }};
-  for (size_t side = 0; side < 6; ++side) {
-    std::vector<int> face;
-    for (const auto& c : corners[side]) {
-      face.push_back(static_cast<int>(m.positions.size()));
-      m.positions.push_back(c);
-      m.normals.push_back(normal[side]);
-      m.uvs.push_back({0, 0});
-    }
-    m.faces.push_back(face);
-    m.faceMaterial.push_back(0);
-  }
-  m.materials = {material};
+  m.positions = {{-3, 0, -3}, {-3, 0, 3}, {-1, 0, 3}, {-1, 0, -3},
+                 {1, 0, 3},   {1, 0, -3}, {3, 0, 3},  {3, 0, -3}};
+  m.faces = {{2, 4, 5, 3}, {0, 1, 2, 3}, {4, 6, 7, 5}};
+  m.faceMaterial = {1, 2, 0};
+  m.normals.assign(8, {0, 1, 0});
+  m.uvs.assign(8, {0.5f, 0.5f});
+  m.materials = materials;
   return m;
 }
 
@@ -177,7 +143,7 @@ HeadlessOptions sized(HeadlessOptions o, int width, int height) {
 }
 }  // namespace
 
-GraphicsFixture::GraphicsFixture(int width, int height, HeadlessOptions options)
+GraphicsFixture::GraphicsFixture(int width, int height, HeadlessOptions options, bool withDevice)
     : platform(sized(options, width, height)), board(platform) {
   platform.useManualClock(1000, 3600.0f);
   ControlState& s = state();
@@ -186,6 +152,7 @@ GraphicsFixture::GraphicsFixture(int width, int height, HeadlessOptions options)
   platform.placePicture(width, height);
   // Start-up would have hidden the status frame by the first frame.
   s.label1.Visible = s.lblStatus.Visible = s.lblProgress.Visible = false;
+  if (withDevice && !startDevice()) throw std::runtime_error("no Direct3D object");
 }
 
 GraphicsFixture::~GraphicsFixture() {
@@ -235,7 +202,7 @@ Image GraphicsFixture::frame() {
   return platform.windowImage();
 }
 
-void GraphicsFixture::pixelOf(float x, float y, float z, int& px, int& py) {
+std::array<int, 2> GraphicsFixture::pixelOf(float x, float y, float z) {
   using namespace graphics;
   ControlState& s = state();
   D3DVIEWPORT8 viewport;
@@ -243,8 +210,19 @@ void GraphicsFixture::pixelOf(float x, float y, float z, int& px, int& py) {
   D3DVECTOR screen;
   D3DXVec3Project(screen, D3DVECTOR{x, y, z}, viewport, s.projectionMatrix, s.viewMatrix,
                   s.worldMatrix);
-  px = static_cast<int>(std::floor(screen.x));
-  py = static_cast<int>(std::floor(screen.y));
+  return {static_cast<int>(std::floor(screen.x)), static_cast<int>(std::floor(screen.y))};
+}
+
+std::array<int, 4> GraphicsFixture::at(const Image& image, float x, float y, float z) {
+  const auto [px, py] = pixelOf(x, y, z);
+  return pixel(image, px, py);
+}
+
+std::vector<float> GraphicsFixture::vertices(const graphics::Mesh& mesh) {
+  auto& m = const_cast<graphics::Mesh&>(mesh);
+  std::vector<float> v(m.GetNumVertices() * graphics::GetFVFVertexSize(m.GetFVF()) / 4);
+  m.GetVertexBuffer()->GetData(0, static_cast<uint32_t>(v.size() * 4), 0, v.data());
+  return v;
 }
 
 std::array<int, 4> pixel(const Image& image, int x, int y) {
@@ -254,16 +232,11 @@ std::array<int, 4> pixel(const Image& image, int x, int y) {
   return {image.rgba[i], image.rgba[i + 1], image.rgba[i + 2], image.rgba[i + 3]};
 }
 
-int countNot(const Image& image, std::array<int, 3> colour, int tolerance) {
+int countNot(const Image& image, std::array<int, 3> colour) {
   int n = 0;
   for (size_t i = 0; i + 3 < image.rgba.size(); i += 4) {
-    for (int c = 0; c < 3; ++c) {
-      if (std::abs(image.rgba[i + static_cast<size_t>(c)] - colour[static_cast<size_t>(c)]) >
-          tolerance) {
-        ++n;
-        break;
-      }
-    }
+    n += image.rgba[i] != colour[0] || image.rgba[i + 1] != colour[1] ||
+         image.rgba[i + 2] != colour[2];
   }
   return n;
 }

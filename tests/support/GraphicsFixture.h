@@ -23,7 +23,6 @@ class TempFolder {
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
   std::string str() const { return path_.string(); }
   // Writes bytes to a file below the folder, making the folders on the way.
   void write(const std::string& relative, const std::string& bytes) const;
@@ -53,18 +52,18 @@ struct XModel {
 // A horizontal square of half-size h at height y, facing up (clockwise seen from above), with
 // texture coordinates 0..1 (v = 0 at the far edge, +z) and one material.
 XModel quadModel(float h, float y, const XMaterial& material);
-// A flat disc of radius r at height y as one polygon of n corners, facing up.
-XModel discModel(float r, float y, int n, const XMaterial& material);
-// An axis-aligned cube from -h to h with outward normals.
-XModel cubeModel(float h, const XMaterial& material);
+// Three strips 2 wide from x = -3 to 3, z from -3 to 3, facing up; the faces name the materials
+// out of order: the left strip the third, the middle one the second, the right one the first.
+XModel stripsModel(const std::vector<XMaterial>& materials);
 
-// 8-bit RGBA of a solid colour, or of four quadrants (top left, top right, bottom left, bottom
-// right), as PNG bytes.
+// 8-bit RGBA as PNG bytes, and a solid colour.
 std::string pngBytes(int width, int height, const std::vector<uint8_t>& rgba);
 std::string solidPng(uint8_t r, uint8_t g, uint8_t b, int size = 4);
 
 struct GraphicsFixture {
-  explicit GraphicsFixture(int width = 96, int height = 96, HeadlessOptions options = {});
+  // With a device unless withDevice is false.
+  explicit GraphicsFixture(int width = 96, int height = 96, HeadlessOptions options = {},
+                           bool withDevice = true);
   ~GraphicsFixture();
 
   ControlState& state() { return controlState(board); }
@@ -76,10 +75,14 @@ struct GraphicsFixture {
   // Writes a model or image under models/ of the base directory.
   void writeModel(const std::string& name, const XModel& model) const;
   void writeFile(const std::string& name, const std::string& bytes) const;
+  std::string path(const std::string& name) const { return folder.str() + "/models/" + name; }
   // Renders a frame and gives what the window shows.
   Image frame();
-  // The window pixel where a world point appears in the last frame.
-  void pixelOf(float x, float y, float z, int& px, int& py);
+  // The window pixel where a world point appears in the last frame, and its colour in an image.
+  std::array<int, 2> pixelOf(float x, float y, float z);
+  std::array<int, 4> at(const Image& image, float x, float y, float z);
+  // Every float of a mesh's vertex buffer.
+  static std::vector<float> vertices(const graphics::Mesh& mesh);
 
   TempFolder folder;
   HeadlessPlatform platform;
@@ -88,7 +91,7 @@ struct GraphicsFixture {
 
 // Red, green, blue and alpha of one pixel.
 std::array<int, 4> pixel(const Image& image, int x, int y);
-// How many pixels differ from `colour` by more than tolerance in some channel.
-int countNot(const Image& image, std::array<int, 3> colour, int tolerance = 2);
+// How many pixels differ from `colour` in some channel.
+int countNot(const Image& image, std::array<int, 3> colour);
 
 }  // namespace ostrel::testing
