@@ -30,20 +30,13 @@ void TempFolder::write(const std::string& relative, const std::string& bytes) co
 
 namespace {
 
-void vectors(std::ostringstream& out, const std::vector<std::array<float, 3>>& list) {
-  out << list.size() << ";\n";
-  for (size_t i = 0; i < list.size(); ++i) {
-    out << list[i][0] << ";" << list[i][1] << ";" << list[i][2] << ";"
-        << (i + 1 < list.size() ? ",\n" : ";\n");
-  }
-}
-
-void faceList(std::ostringstream& out, const std::vector<std::vector<int>>& list) {
-  out << list.size() << ";\n";
-  for (size_t i = 0; i < list.size(); ++i) {
-    out << list[i].size() << ";";
-    for (size_t k = 0; k < list[i].size(); ++k) out << (k ? "," : "") << list[i][k];
-    out << (i + 1 < list.size() ? ";,\n" : ";;\n");
+// A count and the items, separated by commas and closed by a semicolon.
+template <class T, class Item>
+void list(std::ostringstream& out, const std::vector<T>& items, Item item) {
+  out << items.size() << ";\n";
+  for (size_t i = 0; i < items.size(); ++i) {
+    item(items[i]);
+    out << (i + 1 < items.size() ? ",\n" : ";\n");
   }
 }
 
@@ -58,31 +51,35 @@ std::string XModel::text() const {
     for (size_t i = 0; i < 16; ++i) out << frameMatrix[i] << (i < 15 ? "," : ";;\n");
     out << " }\n";
   }
+  const auto vector = [&](const auto& v) {
+    for (float c : v) out << c << ";";
+  };
+  const auto faceList = [&] {
+    list(out, faces, [&](const std::vector<int>& face) {
+      out << face.size() << ";";
+      for (size_t k = 0; k < face.size(); ++k) out << (k ? "," : "") << face[k];
+      out << ";";
+    });
+  };
   out << "Mesh Model {\n";
-  vectors(out, positions);
-  faceList(out, this->faces);
+  list(out, positions, vector);
+  faceList();
   if (!normals.empty()) {
     out << "MeshNormals {\n";
-    vectors(out, normals);
-    faceList(out, this->faces);
+    list(out, normals, vector);
+    faceList();
     out << "}\n";
   }
   if (!uvs.empty()) {
-    out << "MeshTextureCoords {\n" << uvs.size() << ";\n";
-    for (size_t i = 0; i < uvs.size(); ++i) {
-      out << uvs[i][0] << ";" << uvs[i][1] << ";" << (i + 1 < uvs.size() ? ",\n" : ";\n");
-    }
+    out << "MeshTextureCoords {\n";
+    list(out, uvs, vector);
     out << "}\n";
   }
   if (!materials.empty()) {
-    out << "MeshMaterialList {\n" << materials.size() << ";\n" << this->faces.size() << ";\n";
-    for (size_t i = 0; i < this->faces.size(); ++i) {
-      out << (i < faceMaterial.size() ? faceMaterial[i] : 0)
-          << (i + 1 < this->faces.size() ? ",\n" : ";\n");
-    }
-    for (size_t i = 0; i < materials.size(); ++i) {
-      const XMaterial& m = materials[i];
-      out << "Material M" << i << " {\n " << m.r << ";" << m.g << ";" << m.b << ";" << m.a
+    out << "MeshMaterialList {\n" << materials.size() << ";\n";
+    list(out, faceMaterial, [&](int k) { out << k; });
+    for (const XMaterial& m : materials) {
+      out << "Material {\n " << m.r << ";" << m.g << ";" << m.b << ";" << m.a
           << ";;\n 0.0;\n 0.0;0.0;0.0;;\n " << m.emissiveR << ";" << m.emissiveG << ";"
           << m.emissiveB << ";;\n";
       if (!m.texture.empty()) out << " TextureFilename { \"" << m.texture << "\"; }\n";

@@ -44,7 +44,7 @@ struct XModel {
   std::vector<std::array<float, 3>> normals;  // per vertex, faces index them alike; empty: none
   std::vector<std::array<float, 2>> uvs;      // per vertex; empty: none
   std::vector<XMaterial> materials;           // empty: no material list
-  std::vector<int> faceMaterial;              // per face
+  std::vector<int> faceMaterial;              // one per face
   std::vector<float> frameMatrix;             // 16 values, row-vector form; empty: no frame
   std::string text() const;
 };
