@@ -1,5 +1,5 @@
-// The device layer on its own: D3DX math, the loader's view of .x files, the probes and the
-// device's states, back buffer and reset.
+// The device layer on its own: D3DX math, the loader's view of .x files, and the device's
+// multisampling, states, back buffer and reset. The adapter's probes are start-up's checks.
 
 #include <gtest/gtest.h>
 
@@ -40,47 +40,6 @@ TEST(D3DXMath, PerspectiveLookAtAndProjectionRoundTrip) {
     D3DXVec3Subtract(d, point, eye);
     EXPECT_NEAR(std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z), distance, tolerance);
   }
-}
-
-TEST(D3DXHelpers, VertexSizesAndErrorNames) {
-  EXPECT_EQ(GetFVFVertexSize(0x112), 32u);
-  EXPECT_EQ(GetFVFVertexSize(0x102), 20u);
-  EXPECT_EQ(GetFVFVertexSize(0x1C4), 32u);  // XYZRHW, diffuse, specular, one pair
-  EXPECT_EQ(GetFVFVertexSize(0x152), 36u);
-  EXPECT_EQ(GetErrorString(D3DERR_DEVICELOST), "D3DERR_DEVICELOST");
-  EXPECT_EQ(GetErrorString(D3DERR_NOTAVAILABLE), "D3DERR_NOTAVAILABLE");
-}
-
-TEST(Direct3DObject, AnswersTheAdapterProfileAndRefusesMissingVertexProcessing) {
-  HeadlessOptions o;
-  o.multisample4 = false;
-  o.multisample6 = true;
-  o.checkDeviceTypeResult = -7;
-  o.hardwareVertexProcessing = o.softwareVertexProcessing = false;
-  GraphicsFixture f(32, 32, o, false);
-  auto d3d = Direct3DCreate(f.platform);
-  ASSERT_TRUE(d3d);
-  EXPECT_NE(d3d->CheckDeviceMultiSampleType(0, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8, 1, 4), 0);
-  EXPECT_EQ(d3d->CheckDeviceMultiSampleType(0, D3DDEVTYPE_HAL, D3DFMT_X8R8G8B8, 1, 6), 0);
-  EXPECT_EQ(d3d->CheckDeviceType(0, D3DDEVTYPE_HAL, 22, 22, 1), -7);
-  D3DDISPLAYMODE mode;
-  d3d->GetAdapterDisplayMode(0, mode);
-  EXPECT_EQ(mode.Width, 1920u);
-  EXPECT_EQ(mode.Format, D3DFMT_X8R8G8B8);
-  D3DPRESENT_PARAMETERS pp;
-  pp.EnableAutoDepthStencil = 1;
-  for (uint32_t kind : {D3DCREATE_HARDWARE_VERTEXPROCESSING, D3DCREATE_SOFTWARE_VERTEXPROCESSING}) {
-    try {
-      d3d->CreateDevice(0, D3DDEVTYPE_HAL, &f.platform, kind, pp);
-      ADD_FAILURE() << "created a device with flags " << kind;
-    } catch (const D3DError& e) {
-      EXPECT_EQ(e.number, D3DERR_NOTAVAILABLE);
-    }
-  }
-  HeadlessOptions none;
-  none.direct3DAvailable = false;
-  HeadlessPlatform without(none);
-  EXPECT_FALSE(Direct3DCreate(without));
 }
 
 TEST(Device, MultisamplingIsClampedAndResolvedAtPresent) {
