@@ -2,24 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "board/MoveList.h"
 #include "control/ControlAccess.h"
 #include "ostrel/HeadlessPlatform.h"
 
 using namespace ostrel;
-
-namespace {
-
-MoveList listOf(std::initializer_list<const char*> moves) {
-  MoveList list;
-  for (const char* m : moves) board::addMove(list, m);
-  return list;
-}
-
-}  // namespace
 
 TEST(MoveList, StoresNormalFormsUpTo256) {
   HeadlessPlatform platform;
@@ -47,21 +38,22 @@ TEST(MoveList, StoresNormalFormsUpTo256) {
 }
 
 TEST(MoveList, FindMoveBySourceComparesWholeSourceTokens) {
-  EXPECT_FALSE(board::findMoveBySource(listOf({"05-10"}), 5));
-  EXPECT_TRUE(board::findMoveBySource(listOf({"5-10"}), 5));
-  EXPECT_TRUE(board::findMoveBySource(listOf({"5x10x14"}), 5));
-  EXPECT_TRUE(board::findMoveBySource(listOf({"7-12", "5-14"}), 5));
-  EXPECT_FALSE(board::findMoveBySource(listOf({"32-28"}), 3));
-  EXPECT_FALSE(board::findMoveBySource(listOf({"32-28"}), 32 * 10));
-  EXPECT_FALSE(board::findMoveBySource(listOf({}), 5));
-  EXPECT_TRUE(board::findMoveBySource(listOf({"0-5"}), 0));
-  // An entry without a "-" has no source text and never matches.
-  EXPECT_FALSE(board::findMoveBySource(listOf({"5", "5X9"}), 5));
-  EXPECT_TRUE(board::findMoveBySource(listOf({"5", "5-9"}), 5));
-  // "-3-4" has an empty source text.
-  EXPECT_FALSE(board::findMoveBySource(listOf({"-3-4"}), -3));
+  // An entry without a "-" has no source text and never matches; "-3-4" has an empty one.
+  const std::tuple<std::vector<const char*>, int16_t, bool> cases[] = {
+      {{"05-10"}, 5, false},    {{"5-10"}, 5, true},
+      {{"5x10x14"}, 5, true},   {{"7-12", "5-14"}, 5, true},
+      {{"32-28"}, 3, false},    {{"32-28"}, 320, false},
+      {{}, 5, false},           {{"0-5"}, 0, true},
+      {{"5", "5X9"}, 5, false}, {{"5", "5-9"}, 5, true},
+      {{"-3-4"}, -3, false}};
+  for (const auto& [moves, source, found] : cases) {
+    MoveList list;
+    for (const char* m : moves) board::addMove(list, m);
+    EXPECT_EQ(board::findMoveBySource(list, source), found) << moves.size() << " " << source;
+  }
   // Moves dropped by a clear are not found, though their text is still in the slot.
-  MoveList cleared = listOf({"5-10"});
+  MoveList cleared;
+  board::addMove(cleared, "5-10");
   board::clearMoves(cleared);
   EXPECT_FALSE(board::findMoveBySource(cleared, 5));
 }
