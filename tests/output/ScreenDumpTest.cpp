@@ -12,6 +12,7 @@
 #include "ostrel/ctlBoard.h"
 #include "output/ModPrintScreen.h"
 #include "support/EventRecorder.h"
+#include "support/TempFolder.h"
 
 namespace ostrel {
 namespace {
@@ -83,22 +84,16 @@ void expectDump(const std::string& path, const Image& picture, const RECT& c,
   EXPECT_EQ(f->words(f->at[4], 5), W({14, 20, 0, 16, 20}));
 }
 
-struct TempDir {
-  fs::path path = [] {
-    std::string name = (fs::temp_directory_path() / "ostrel-emf-XXXXXX").string();
-    return fs::path(mkdtemp(name.data()));
-  }();
-  ~TempDir() { fs::remove_all(path); }
-  std::string operator/(const std::string& name) const { return (path / name).string(); }
-  long entries() const { return std::distance(fs::directory_iterator(path), {}); }
-};
-
 HeadlessOptions window(int w, int h, ScreenMetrics m = {508, 286, 1920, 1080}) {
   HeadlessOptions o;
   o.pixelWidth = w, o.pixelHeight = h;
   o.screenWidthMm = m.widthMm, o.screenHeightMm = m.heightMm;
   o.screenWidthPixels = m.widthPixels, o.screenHeightPixels = m.heightPixels;
   return o;
+}
+
+long entries(const testing::TempFolder& dir) {
+  return std::distance(fs::directory_iterator(dir.path()), {});
 }
 
 // A window whose every pixel differs from its neighbours in each channel.
@@ -117,14 +112,14 @@ class PatternPlatform : public HeadlessPlatform {
 };
 
 TEST(ScreenDump, PixelsKeepTheirPlaceAndFrameTiesRoundToEven) {
-  TempDir dir;
-  PatternPlatform odd(window(13, 7));                          // rows padded to 40 bytes
-  std::ofstream(dir / "pattern") << std::string(100000, 'x');  // replaced, not appended to
+  testing::TempFolder dir;
+  PatternPlatform odd(window(13, 7));              // rows padded to 40 bytes
+  dir.write("pattern", std::string(100000, 'x'));  // replaced, not appended to
   DeleteEnhMetaFile(ModPrintScreen::writeWindowMetafile(&odd, dir / "pattern"));
   // 13 * 50700 / 1920 = 343.28, 7 * 28500 / 1080 = 184.72
   expectDump(dir / "pattern", odd.windowImage(), {0, 0, 13, 7}, {0, 0, 343, 185},
              odd.screenMetrics());
-  EXPECT_EQ(dir.entries(), 1);  // the name kept as given, no extension added
+  EXPECT_EQ(entries(dir), 1);  // the name kept as given, no extension added
 
   PatternPlatform p(window(5, 6, {2, 3, 8, 16}));
   HDC hdc = GetDC(&p);
@@ -135,7 +130,7 @@ TEST(ScreenDump, PixelsKeepTheirPlaceAndFrameTiesRoundToEven) {
 }
 
 TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
-  TempDir dir;
+  testing::TempFolder dir;
   HeadlessPlatform p;
   fs::create_directory(dir / "folder");
   for (const std::string& name : {dir / "missing/x.emf", std::string(), dir / "folder"}) {
@@ -149,8 +144,8 @@ TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
   PatternPlatform flat(window(4, 4, {508, 286, 1920, 0}));
   EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&huge, dir / "huge.emf"));
   EXPECT_FALSE(ModPrintScreen::writeWindowMetafile(&flat, dir / "flat.emf"));
-  EXPECT_EQ(dir.entries(), 1);
-  EXPECT_TRUE(fs::is_empty(dir.path / "folder"));
+  EXPECT_EQ(entries(dir), 1);
+  EXPECT_TRUE(fs::is_empty(dir / "folder"));
   // A file that cannot be written is left alone (root writes read-only files anyway).
   std::ofstream(dir / "locked.emf") << "keep";
   fs::permissions(dir / "locked.emf", fs::perms::owner_read);
@@ -161,14 +156,14 @@ TEST(ScreenDump, WhatCannotBeWrittenGivesNothing) {
 }
 
 TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
-  TempDir dir;
+  testing::TempFolder dir;
   HeadlessPlatform p(window(96, 64));
   ctlBoard board(p);
   testing::EventRecorder events(board);
   std::vector<bool> seen;  // whether the dump's file is there when the frame before it is reported
   events.onAfterDraw = [&] { seen.push_back(fs::exists(dir / "frame.emf")); };
   board.ambientBackColor(0x00336699);
-  for (const std::string& name : {std::string(), dir / "no/such.emf", dir.path.string()}) {
+  for (const std::string& name : {std::string(), dir / "no/such.emf", dir.path()}) {
     board.screenDump(name);
   }
   // 96 * 50700 / 1920 = 2535, 64 * 28500 / 1080 = 1688.9
@@ -177,7 +172,7 @@ TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
              p.screenMetrics());
   // The window shows the back colour, as blue, green, red in the bitmap.
   EXPECT_EQ(readEmf(dir / "before.emf")->words(260, 1), W({0x99336699}));
-  EXPECT_EQ(dir.entries(), 1);
+  EXPECT_EQ(entries(dir), 1);
   EXPECT_TRUE(p.messages().empty());
 
   ASSERT_EQ(board.init(false, 0, 0), std::optional<bool>(true));
@@ -191,7 +186,7 @@ TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
 }
 
 TEST(Gdi, HandlesAreCheckedAndReleasedOnce) {
-  TempDir dir;
+  testing::TempFolder dir;
   HeadlessPlatform p, other;
   EXPECT_FALSE(GetDC(nullptr));
   HDC hdc = GetDC(&p);

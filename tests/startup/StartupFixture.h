@@ -3,10 +3,8 @@
 // as it should read, and a control on a platform that records the status frame at each paint.
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -14,6 +12,7 @@
 #include "control/ControlAccess.h"
 #include "graphics/GraphicsContext.h"
 #include "ostrel/ostrel.h"
+#include "support/TempFolder.h"
 
 namespace startup_test {
 
@@ -21,43 +20,20 @@ namespace fs = std::filesystem;
 using namespace ostrel;
 using Lines = std::vector<std::string>;
 
-// A temporary folder, optionally holding a copy of the shipped models/; removed at the end.
-class AssetFolder {
- public:
+// A temporary folder, optionally holding a copy of the shipped models/.
+struct AssetFolder : ostrel::testing::TempFolder {
   explicit AssetFolder(bool withModels = true) {
-    std::string pattern = (fs::temp_directory_path() / "ostrel-startup-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
-    dir_ = pattern;
     if (withModels)
-      fs::copy(fs::path(HeadlessPlatform().AppPath()) / "models", models(),
+      fs::copy(fs::path(HeadlessPlatform().AppPath()) / "models", *this / "models",
                fs::copy_options::recursive);
   }
-  ~AssetFolder() {
-    std::error_code ec;
-    fs::remove_all(dir_, ec);
-  }
-  AssetFolder(const AssetFolder&) = delete;
-  AssetFolder& operator=(const AssetFolder&) = delete;
-
-  std::string path() const { return dir_.string(); }
-  fs::path models() const { return dir_ / "models"; }
-  void remove(const std::string& name) const { fs::remove(models() / name); }
+  void remove(const std::string& name) const { fs::remove(*this / ("models/" + name)); }
   void copy(const std::string& from, const std::string& to) const {
-    fs::copy_file(models() / from, models() / to, fs::copy_options::overwrite_existing);
-  }
-  std::string read(const fs::path& file) const {
-    std::stringstream ss;
-    ss << std::ifstream(file, std::ios::binary).rdbuf();
-    return ss.str();
-  }
-  void write(const fs::path& file, const std::string& text) const {
-    std::ofstream(file, std::ios::binary) << text;
+    fs::copy_file(*this / ("models/" + from), *this / ("models/" + to),
+                  fs::copy_options::overwrite_existing);
   }
   // The diagnostic log byte for byte; empty when there is none.
-  std::string log() const { return read(dir_ / "directxlog.txt"); }
-
- private:
-  fs::path dir_;
+  std::string log() const { return read("directxlog.txt"); }
 };
 
 inline HeadlessOptions quickOptions(int width = 320, int height = 320) {
@@ -112,7 +88,7 @@ struct Control {
   std::optional<bool> init(int32_t qAA = 0) { return board.init(false, qAA, 1, assets.path()); }
   const ModelSet& models() const { return board.models(); }
   std::string message(const std::string& kind, const std::string& file) const {
-    return kind + " load failed: " + assets.path() + "/models/" + file;
+    return kind + " load failed: " + assets / ("models/" + file);
   }
   AssetFolder assets;
   RecordingPlatform platform;

@@ -108,10 +108,10 @@ TEST(ModelSet, ImagePropertiesBeforeAndAfterStartUp) {
   Control s;
   // A board model that names its own image "inner.jpg", and no "board.jpg" or "pieceblack.png":
   // only the names given can load.
-  std::string model = s.assets.read(s.assets.models() / "board.x");
+  std::string model = s.assets.read("models/board.x");
   const size_t at = model.find("board.jpg");
   ASSERT_NE(at, std::string::npos) << "board.x names its image";
-  s.assets.write(s.assets.models() / "board.x", model.replace(at, 9, "inner.jpg"));
+  s.assets.write("models/board.x", model.replace(at, 9, "inner.jpg"));
   s.assets.copy("board.jpg", "inner.jpg");
   s.assets.copy("board.jpg", "plain.jpg");
   s.assets.remove("board.jpg");

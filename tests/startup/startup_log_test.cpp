@@ -58,11 +58,10 @@ TEST(StartupLog, EveryWayStartUpEnds) {
       s.platform.useManualClock(1000, 100.0f);
       if (c.way == FrameFails) s.board.setEventSink(&refusing);
       // An old log is replaced, not appended to; a folder in its place cannot be opened at all.
-      const fs::path log = fs::path(s.assets.path()) / "directxlog.txt";
       if (c.way == NoLog) {
-        fs::create_directory(log);
+        fs::create_directory(s.assets / "directxlog.txt");
       } else {
-        s.assets.write(log, "stale line\r\n");
+        s.assets.write("directxlog.txt", "stale line\r\n");
       }
       EXPECT_EQ(s.init(), c.result);
       EXPECT_EQ(s.assets.log(), c.kept ? logOf(o, c.kept, c.last) : "");

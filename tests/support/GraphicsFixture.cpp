@@ -1,32 +1,13 @@
 #include "support/GraphicsFixture.h"
 
 #include <stb_image_write.h>
-#include <stdlib.h>
 
 #include <cmath>
-#include <fstream>
 #include <sstream>
 
 #include "graphics/GraphicsContext.h"
 
 namespace ostrel::testing {
-
-TempFolder::TempFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "ostrel-XXXXXX").string();
-  if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-  path_ = pattern;
-}
-
-TempFolder::~TempFolder() {
-  std::error_code ec;
-  std::filesystem::remove_all(path_, ec);
-}
-
-void TempFolder::write(const std::string& relative, const std::string& bytes) const {
-  const auto file = path_ / relative;
-  std::filesystem::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << bytes;
-}
 
 namespace {
 
@@ -132,16 +113,9 @@ std::string solidPng(uint8_t r, uint8_t g, uint8_t b, int size) {
   return pngBytes(size, size, rgba);
 }
 
-namespace {
-HeadlessOptions sized(HeadlessOptions o, int width, int height) {
-  o.pixelWidth = width;
-  o.pixelHeight = height;
-  return o;
-}
-}  // namespace
-
 GraphicsFixture::GraphicsFixture(int width, int height, HeadlessOptions options, bool withDevice)
-    : platform(sized(options, width, height)), board(platform) {
+    : platform((options.pixelWidth = width, options.pixelHeight = height, options)),
+      board(platform) {
   platform.useManualClock(1000, 3600.0f);
   ControlState& s = state();
   s.pic.Width = static_cast<float>(width) * platform.TwipsPerPixelX();
@@ -164,7 +138,7 @@ bool GraphicsFixture::startDevice(int32_t multiSampleType) {
   using namespace graphics;
   GraphicsContext& context = graphicsContext();
   context.platform = &platform;
-  context.baseDirectory = folder.str();
+  context.baseDirectory = folder.path();
   context.direct3D = Direct3DCreate(platform);
   if (!context.direct3D) return false;
   D3DDISPLAYMODE mode;
@@ -186,33 +160,14 @@ bool GraphicsFixture::startDevice(int32_t multiSampleType) {
   return true;
 }
 
-void GraphicsFixture::writeModel(const std::string& name, const XModel& model) const {
-  folder.write("models/" + name, model.text());
-}
-
-void GraphicsFixture::writeFile(const std::string& name, const std::string& bytes) const {
-  folder.write("models/" + name, bytes);
-}
-
-Image GraphicsFixture::frame() {
-  board.render();
-  return platform.windowImage();
-}
-
-std::array<int, 2> GraphicsFixture::pixelOf(float x, float y, float z) {
+std::array<int, 4> GraphicsFixture::at(const Image& image, float x, float y, float z) {
   using namespace graphics;
   ControlState& s = state();
   D3DVIEWPORT8 viewport;
   device().GetViewport(viewport);
-  D3DVECTOR screen;
-  D3DXVec3Project(screen, D3DVECTOR{x, y, z}, viewport, s.projectionMatrix, s.viewMatrix,
-                  s.worldMatrix);
-  return {static_cast<int>(std::floor(screen.x)), static_cast<int>(std::floor(screen.y))};
-}
-
-std::array<int, 4> GraphicsFixture::at(const Image& image, float x, float y, float z) {
-  const auto [px, py] = pixelOf(x, y, z);
-  return pixel(image, px, py);
+  D3DVECTOR p;
+  D3DXVec3Project(p, D3DVECTOR{x, y, z}, viewport, s.projectionMatrix, s.viewMatrix, s.worldMatrix);
+  return pixel(image, static_cast<int>(std::floor(p.x)), static_cast<int>(std::floor(p.y)));
 }
 
 std::vector<float> GraphicsFixture::vertices(const graphics::Mesh& mesh) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -13,23 +12,9 @@
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
 #include "ostrel/HeadlessPlatform.h"
+#include "support/TempFolder.h"
 
 namespace ostrel::testing {
-
-// A folder under the system's temporary directory, removed with everything in it at the end.
-class TempFolder {
- public:
-  TempFolder();
-  ~TempFolder();
-  TempFolder(const TempFolder&) = delete;
-  TempFolder& operator=(const TempFolder&) = delete;
-  std::string str() const { return path_.string(); }
-  // Writes bytes to a file below the folder, making the folders on the way.
-  void write(const std::string& relative, const std::string& bytes) const;
-
- private:
-  std::filesystem::path path_;
-};
 
 struct XMaterial {
   float r = 1, g = 1, b = 1, a = 1;
@@ -73,13 +58,17 @@ struct GraphicsFixture {
   // platform and base directory, and the render states start-up sets. False when there is none.
   bool startDevice(int32_t multiSampleType = 0);
   // Writes a model or image under models/ of the base directory.
-  void writeModel(const std::string& name, const XModel& model) const;
-  void writeFile(const std::string& name, const std::string& bytes) const;
-  std::string path(const std::string& name) const { return folder.str() + "/models/" + name; }
+  void writeModel(const std::string& name, const XModel& m) const { writeFile(name, m.text()); }
+  void writeFile(const std::string& name, const std::string& bytes) const {
+    folder.write("models/" + name, bytes);
+  }
+  std::string path(const std::string& name) const { return folder / ("models/" + name); }
   // Renders a frame and gives what the window shows.
-  Image frame();
-  // The window pixel where a world point appears in the last frame, and its colour in an image.
-  std::array<int, 2> pixelOf(float x, float y, float z);
+  Image frame() {
+    board.render();
+    return platform.windowImage();
+  }
+  // The colour in an image of the window pixel where a world point appears in the last frame.
   std::array<int, 4> at(const Image& image, float x, float y, float z);
   // Every float of a mesh's vertex buffer.
   static std::vector<float> vertices(const graphics::Mesh& mesh);

@@ -41,11 +41,6 @@ LiveBoard::LiveBoard(int width, int height, int32_t qShadow)
   events.lines.clear();
 }
 
-Image LiveBoard::frame() {
-  board.render();
-  return platform.windowImage();
-}
-
 void LiveBoard::setPosition(const std::vector<std::pair<int, int>>& pieces,
                             const std::vector<std::string>& moves) {
   state().fieldCode.fill(0);
@@ -79,21 +74,6 @@ Blob LiveBoard::pieceBlob(int field) {
   s.fieldCode = saved;
   board.drawBoard();
   return changed(without, with);
-}
-
-void LiveBoard::down(int16_t button, double x, double y) {
-  platform.advance(20);
-  board.pic_MouseDown(button, 0, tw(x), tw(y));
-}
-
-void LiveBoard::move(int16_t buttons, double x, double y) {
-  platform.advance(20);
-  board.pic_MouseMove(buttons, 0, tw(x), tw(y));
-}
-
-void LiveBoard::up(int16_t button, double x, double y) {
-  platform.advance(20);
-  board.pic_MouseUp(button, 0, tw(x), tw(y));
 }
 
 }  // namespace ostrel::testing

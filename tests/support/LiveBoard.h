@@ -30,20 +30,28 @@ struct LiveBoard {
   bool started = false;
 
   ControlState& state() { return controlState(board); }
-  Image frame();
+  Image frame() {
+    board.render();
+    return platform.windowImage();
+  }
   void setPosition(const std::vector<std::pair<int, int>>& pieces,
                    const std::vector<std::string>& moves = {});
   // Where the view draws a field's marker, or a white man on a field.
   Blob fieldBlob(int field);
   Blob pieceBlob(int field);
   // Mouse events at a pixel, each after the time gate has opened.
-  void down(int16_t button, double x, double y);
-  void move(int16_t buttons, double x, double y);
-  void up(int16_t button, double x, double y);
+  void down(int16_t button, double x, double y) { mouse(&ctlBoard::pic_MouseDown, button, x, y); }
+  void move(int16_t buttons, double x, double y) { mouse(&ctlBoard::pic_MouseMove, buttons, x, y); }
+  void up(int16_t button, double x, double y) { mouse(&ctlBoard::pic_MouseUp, button, x, y); }
   void down(int16_t button, const Blob& b) { down(button, b.x, b.y); }
   void move(int16_t buttons, const Blob& b) { move(buttons, b.x, b.y); }
   void up(int16_t button, const Blob& b) { up(button, b.x, b.y); }
   static float tw(double pixel) { return static_cast<float>((pixel + 0.5) * 15); }
+  void mouse(void (ctlBoard::*event)(int16_t, int16_t, float, float), int16_t b, double x,
+             double y) {
+    platform.advance(20);
+    (board.*event)(b, 0, tw(x), tw(y));
+  }
 };
 
 }  // namespace ostrel::testing
