@@ -3,16 +3,15 @@
 
 #include "ostrel/HeadlessPlatform.h"
 
-#include <dlfcn.h>
 #include <stb_image_write.h>
 
 #include <chrono>
 #include <cmath>
 #include <ctime>
-#include <filesystem>
 
 #include "graphics/d3d8types.h"
 #include "ostrel/ctlBoard.h"
+#include "platform/ShippedAssets.h"
 #include "platform/StatusFramePainter.h"
 
 namespace ostrel {
@@ -20,24 +19,6 @@ namespace ostrel {
 namespace {
 
 constexpr double kSecondsPerDay = 86400.0;
-
-// The folder that holds models/: the installed share/ostrel of the prefix the library lies in when
-// there is one, else the source tree's assets. The library may lie one to three levels below its
-// prefix (lib, lib64, lib/<multiarch>).
-std::string shippedAssetFolder() {
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<void*>(&shippedAssetFolder), &info) != 0 && info.dli_fname) {
-    std::error_code ec;
-    auto libDir = std::filesystem::weakly_canonical(info.dli_fname, ec).parent_path();
-    auto prefix = libDir;
-    for (int level = 0; level < 3 && prefix.has_relative_path(); ++level) {
-      prefix = prefix.parent_path();
-      auto installed = prefix / OSTREL_INSTALL_DATADIR;
-      if (std::filesystem::is_directory(installed / "models", ec)) return installed.string();
-    }
-  }
-  return OSTREL_SOURCE_ASSETS;
-}
 
 }  // namespace
 
