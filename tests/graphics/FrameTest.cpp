@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "support/EventRecorder.h"
 #include "support/GraphicsFixture.h"
 
 namespace ostrel::testing {
@@ -26,18 +27,11 @@ void expectColour(const std::array<int, 4>& p, const Colour& c, int tolerance = 
   for (size_t i = 0; i < 3; ++i) EXPECT_NEAR(p[i], expectByte(c[i]), tolerance) << "channel " << i;
 }
 
-// Counts the frames the host is told of and keeps their times.
-struct Frames : ctlBoardEvents {
-  explicit Frames(ctlBoard& board) { board.setEventSink(this); }
-  void afterDraw(float& frameTime) override { times.push_back(frameTime); }
-  int count() const { return static_cast<int>(times.size()); }
-  std::vector<float> times;
-};
-
-// A fixture with a device and a board quad that fills the picture.
+// A fixture with a device and a board quad that fills the picture, half transparent: a frame
+// draws the board opaque.
 struct Scene : GraphicsFixture {
   Scene() {
-    writeModel("board.x", quadModel(6, 0, {0.5f, 0.25f, 0.6f, 1.0f, 0, 0, 0, ""}));
+    writeModel("board.x", quadModel(6, 0, {0.5f, 0.25f, 0.6f, 0.5f, 0, 0, 0, ""}));
     state().models.boardMesh.init("models/board.x", "");
   }
   // Loads a one-material quad into a mesh.
@@ -49,14 +43,14 @@ struct Scene : GraphicsFixture {
 
 TEST(Frame, ClearsToTheBackColourAndNeedsADeviceAndAPicture) {
   GraphicsFixture f(48, 32, {}, false);
-  Frames events(f.board);
+  EventRecorder events(f.board);
   f.state().ambientBackColor = 0x112233;
   f.board.render();
   ASSERT_TRUE(f.startDevice());
   f.state().pic.Width = 0;
   f.board.render();
   EXPECT_EQ(f.platform.presentCount(), 0);
-  EXPECT_EQ(events.count(), 0);
+  EXPECT_TRUE(events.frameTimes.empty());
 
   f.state().pic.Width = 48 * f.platform.TwipsPerPixelX();
   Image image = f.frame();
@@ -100,7 +94,7 @@ TEST(Frame, TexturesModulateTheLitColourTheRightWayUp) {
   }
 }
 
-TEST(Frame, MarkersBlendAlwaysAndShadowsOnlyForQShadowOne) {
+TEST(Frame, MarkersBlendAlwaysShadowsOnlyForQShadowOneAndNothingElse) {
   Scene f;
   ControlState& s = f.state();
   f.load(s.models.markerMesh[1], "marker.x", 1, 0.001f, {0.4f, 0.2f, 0.1f, 0.5f, 0, 0, 0, ""});
@@ -119,6 +113,10 @@ TEST(Frame, MarkersBlendAlwaysAndShadowsOnlyForQShadowOne) {
   // Shadow: destination x source colour; its alpha of 0.24 plays no part.
   const double shade = 0.5 * kUpFactor;
   const Colour shadow = {dst[0] * shade, dst[1] * shade, dst[2] * shade};
+  // The transparency blend of SetupLights is replaced before the board draws.
+  s.qTrans = true;
+  f.board.SetupLights();
+  ASSERT_EQ(f.device().GetRenderState(D3DRS_DESTBLEND), D3DBLEND_INVSRCALPHA);
   for (int16_t q : {0, 2, -1, 1}) {
     SCOPED_TRACE(q);
     s.qShadow = q;
@@ -175,12 +173,12 @@ TEST(Frame, AspectArgumentIsHeightOverWidth) {
 
 TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
   Scene f;
-  Frames events(f.board);
+  EventRecorder events(f.board);
   f.platform.frameAdvanceMs(40);
   f.frame();
-  ASSERT_EQ(events.count(), 1);
+  ASSERT_EQ(events.frameTimes.size(), 1u);
   // The time told to the host includes Present.
-  EXPECT_NEAR(events.times.back(), 0.040f, 1e-3);
+  EXPECT_NEAR(events.frameTimes.back(), 0.040f, 1e-3);
   EXPECT_EQ(f.board.timerAfterLastRender(), 1040);
 
   f.platform.loseDevice();
@@ -188,14 +186,14 @@ TEST(Frame, LostDeviceDrawsNothingAndAResettableOneIsResetAndDrawn) {
   f.board.render();
   f.board.Paint();
   EXPECT_EQ(f.platform.presentCount(), 1);
-  EXPECT_EQ(events.count(), 1);
+  EXPECT_EQ(events.frameTimes.size(), 1u);
   EXPECT_EQ(f.board.timerAfterLastRender(), 1040);
 
   f.platform.makeDeviceResettable();
   Image image = f.frame();
   EXPECT_EQ(f.platform.resetCount(), 1);
   EXPECT_EQ(f.platform.presentCount(), 2);
-  EXPECT_EQ(events.count(), 2);
+  EXPECT_EQ(events.frameTimes.size(), 2u);
   EXPECT_EQ(f.board.timerAfterLastRender(), f.platform.timeGetTime());
   // The board mesh survived the Reset and the frame was whole.
   expectColour(pixel(image, 48, 48), kBoardLit);
@@ -218,20 +216,6 @@ TEST(SetupLights, FiltersFollowTheAnisotropyLevelAndTheDevice) {
     EXPECT_EQ(d.GetTextureStageState(0, D3DTSS_MAGFILTER), filter);
     EXPECT_EQ(d.GetTextureStageState(0, D3DTSS_MAXANISOTROPY), expected ? expected : 1u);
   }
-}
-
-TEST(SetupLights, TransparencyBlendIsReplacedBeforeAnythingDraws) {
-  Scene f;
-  f.state().qTrans = true;
-  f.board.SetupLights();
-  Direct3DDevice8& d = f.device();
-  EXPECT_EQ(d.GetRenderState(D3DRS_ALPHABLENDENABLE), 1u);
-  EXPECT_EQ(d.GetRenderState(D3DRS_DESTBLEND), D3DBLEND_INVSRCALPHA);
-  expectColour(pixel(f.frame(), 48, 48), kBoardLit);
-  // A frame leaves blending off with the shadow pass's factors.
-  EXPECT_EQ(d.GetRenderState(D3DRS_ALPHABLENDENABLE), 0u);
-  EXPECT_EQ(d.GetRenderState(D3DRS_SRCBLEND), D3DBLEND_ZERO);
-  EXPECT_EQ(d.GetRenderState(D3DRS_DESTBLEND), D3DBLEND_SRCCOLOR);
 }
 
 // Fine stripes across the board, one texel each, seen from a camera at the given elevation with

@@ -20,7 +20,8 @@ class EventRecorder : public ctlBoardEvents {
  public:
   explicit EventRecorder(ctlBoard& board) : board_(board) { board.setEventSink(this); }
 
-  void afterDraw(float&) override {
+  void afterDraw(float& frameTime) override {
+    frameTimes.push_back(frameTime);
     add("afterDraw");
     if (onAfterDraw) onAfterDraw();
   }
@@ -48,6 +49,7 @@ class EventRecorder : public ctlBoardEvents {
   Lines take() { return std::exchange(lines, {}); }
 
   Lines lines;
+  std::vector<float> frameTimes;
   float boardX = 0, boardY = 0;
   int16_t field = 0;
   const void *indexRef = nullptr, *moveRef = nullptr;
