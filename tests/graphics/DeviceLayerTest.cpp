@@ -114,9 +114,6 @@ TEST(Loader, SubsetsMaterialsFrameTransformsAndFormats) {
   EXPECT_FLOAT_EQ(first.Diffuse.r, 0.1f);
   EXPECT_FLOAT_EQ(first.Diffuse.a, 0.4f);
   EXPECT_FLOAT_EQ(first.Emissive.b, 0.7f);
-  EXPECT_FLOAT_EQ(first.Emissive.a, 1.0f);
-  EXPECT_FLOAT_EQ(first.Specular.a, 1.0f);
-  EXPECT_FLOAT_EQ(first.Ambient.r, 0.0f);
   EXPECT_EQ(BufferGetTextureName(*materials, 0), "a.png");
   EXPECT_EQ(BufferGetTextureName(*materials, 1), "");
   EXPECT_EQ(BufferGetTextureName(*materials, 2), "b.png");

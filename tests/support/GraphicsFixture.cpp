@@ -9,24 +9,18 @@
 
 namespace ostrel::testing {
 
-namespace {
-
-// A count and the items, separated by commas and closed by a semicolon.
-template <class T, class Item>
-void list(std::ostringstream& out, const std::vector<T>& items, Item item) {
-  out << items.size() << ";\n";
-  for (size_t i = 0; i < items.size(); ++i) {
-    item(items[i]);
-    out << (i + 1 < items.size() ? ",\n" : ";\n");
-  }
-}
-
-}  // namespace
-
 std::string XModel::text() const {
   std::ostringstream out;
   out << std::fixed;  // the reader wants a decimal point in every number of a matrix
   out << "xof 0303txt 0032\n\n";
+  // A count and the items, separated by commas and closed by a semicolon.
+  const auto list = [&](const auto& items, auto item) {
+    out << items.size() << ";\n";
+    for (size_t i = 0; i < items.size(); ++i) {
+      item(items[i]);
+      out << (i + 1 < items.size() ? ",\n" : ";\n");
+    }
+  };
   if (!frameMatrix.empty()) {
     out << "Frame Root {\n FrameTransformMatrix {\n";
     for (size_t i = 0; i < 16; ++i) out << frameMatrix[i] << (i < 15 ? "," : ";;\n");
@@ -36,29 +30,29 @@ std::string XModel::text() const {
     for (float c : v) out << c << ";";
   };
   const auto faceList = [&] {
-    list(out, faces, [&](const std::vector<int>& face) {
+    list(faces, [&](const std::vector<int>& face) {
       out << face.size() << ";";
       for (size_t k = 0; k < face.size(); ++k) out << (k ? "," : "") << face[k];
       out << ";";
     });
   };
   out << "Mesh Model {\n";
-  list(out, positions, vector);
+  list(positions, vector);
   faceList();
   if (!normals.empty()) {
     out << "MeshNormals {\n";
-    list(out, normals, vector);
+    list(normals, vector);
     faceList();
     out << "}\n";
   }
   if (!uvs.empty()) {
     out << "MeshTextureCoords {\n";
-    list(out, uvs, vector);
+    list(uvs, vector);
     out << "}\n";
   }
   if (!materials.empty()) {
     out << "MeshMaterialList {\n" << materials.size() << ";\n";
-    list(out, faceMaterial, [&](int k) { out << k; });
+    list(faceMaterial, [&](int k) { out << k; });
     for (const XMaterial& m : materials) {
       out << "Material {\n " << m.r << ";" << m.g << ";" << m.b << ";" << m.a
           << ";;\n 0.0;\n 0.0;0.0;0.0;;\n " << m.emissiveR << ";" << m.emissiveG << ";"
