@@ -196,9 +196,8 @@ TEST(Assets, PiecesStackExactlyAndFitASquare) {
   const Picture white = decode("piecewhite.png"), black = decode("pieceblack.png");
   ASSERT_EQ(white.w, 512);
   ASSERT_EQ(black.w, 512);
-  // The middle of the top: ivory is light, ebony is dark but not black.
-  EXPECT_GT(white.grey(0.58, 0.5), 0.7);
-  EXPECT_LT(black.grey(0.58, 0.5), 0.3);
+  // The middle of the top: ebony is dark but not black. How light and dark the men show is the
+  // start-up suite's check.
   EXPECT_GT(black.grey(0.58, 0.5), 0.05);
 }
 

@@ -3,13 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 #include "ostrel/ostrel.h"
+#include "support/RecordingPlatform.h"
 
 namespace {
 
 using namespace ostrel;
+using ostrel::testing::FrameSeen;
+using ostrel::testing::RecordingPlatform;
 
 TEST(StatusFrame, FillIsAShareOfTwoPixelsLessThanTheFrame) {
   HeadlessPlatform platform;
@@ -38,25 +39,6 @@ TEST(StatusFrame, FillIsAShareOfTwoPixelsLessThanTheFrame) {
   EXPECT_EQ(other.lblProgress().Width, 5775 - 24);
 }
 
-// What the frame looked like at each paint of the fill.
-struct PaintSeen {
-  float fillWidth;
-  bool fillVisible, statusVisible, frameVisible;
-  std::string caption;
-};
-
-class RecordingPlatform : public HeadlessPlatform {
- public:
-  const ctlBoard* board = nullptr;
-  std::vector<PaintSeen> paints;
-  void Refresh(const Label& label) override {
-    ASSERT_NE(board, nullptr);
-    EXPECT_EQ(&label, &board->lblProgress());
-    paints.push_back({label.Width, label.Visible, board->lblStatus().Visible,
-                      board->label1().Visible, board->lblStatus().Caption});
-  }
-};
-
 TEST(StatusFrame, FillIsPaintedBeforeTheFrameIsSwitchedAndInitStringSetsTheTextOnly) {
   RecordingPlatform platform;
   ctlBoard board(platform);
@@ -72,7 +54,7 @@ TEST(StatusFrame, FillIsPaintedBeforeTheFrameIsSwitchedAndInitStringSetsTheTextO
 
   board.showProgressBar("Shown", true, 40);
   ASSERT_EQ(platform.paints.size(), 2u);
-  const PaintSeen& seen = platform.paints[1];
+  const FrameSeen& seen = platform.paints[1];
   EXPECT_TRUE(seen.fillVisible);
   EXPECT_FLOAT_EQ(seen.fillWidth, 0.4f * 5745);
   EXPECT_EQ(seen.caption, "Shown");

@@ -12,12 +12,15 @@
 #include "control/ControlAccess.h"
 #include "graphics/GraphicsContext.h"
 #include "ostrel/ostrel.h"
+#include "support/RecordingPlatform.h"
 #include "support/TempFolder.h"
 
 namespace startup_test {
 
 namespace fs = std::filesystem;
 using namespace ostrel;
+using ostrel::testing::FrameSeen;
+using ostrel::testing::RecordingPlatform;
 using Lines = std::vector<std::string>;
 
 // A temporary folder, optionally holding a copy of the shipped models/.
@@ -59,27 +62,6 @@ inline std::string logOf(const HeadlessOptions& o, size_t n = 18, const std::str
   for (size_t i = 0; i < n && std::getline(lines, line); ++i) text += line + "\r\n";
   return last.empty() ? text : text + last + "\r\n";
 }
-
-// What the status frame looked like at one paint.
-struct FrameSeen {
-  float fillWidth = 0, fillHeight = 0;
-  bool fillVisible = false, statusVisible = false, frameVisible = false;
-  Image window;  // the window as it showed then
-};
-
-// Records every Refresh of the status frame once `board` is set, with the window at that moment.
-class RecordingPlatform : public HeadlessPlatform {
- public:
-  using HeadlessPlatform::HeadlessPlatform;
-  const ctlBoard* board = nullptr;
-  std::vector<FrameSeen> paints;
-  void Refresh(const Label& label) override {
-    HeadlessPlatform::Refresh(label);
-    if (board == nullptr) return;
-    paints.push_back({label.Width, label.Height, label.Visible, board->lblStatus().Visible,
-                      board->label1().Visible, windowImage()});
-  }
-};
 
 // A control with its own asset folder; init starts it there.
 struct Control {

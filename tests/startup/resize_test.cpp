@@ -10,12 +10,6 @@ using namespace startup_test;
 
 class Resize : public ::testing::Test {
  protected:
-  // Starts the control with the clock at `timer` seconds after midnight; frames do not move it.
-  void start(float timer) {
-    s.platform.useManualClock(1000, timer);
-    s.platform.frameAdvanceMs(0);
-    ASSERT_EQ(s.init(), std::optional<bool>(true));
-  }
   // Ticks every 100 ms for `ms`; the number of Resets that happened meanwhile.
   int tickFor(int ms) {
     const int before = s.platform.resetCount();
@@ -44,7 +38,9 @@ TEST_F(Resize, BeforeStartUpNothingHappens) {
 }
 
 TEST_F(Resize, OneResetHalfASecondAfterTheLastResizeAlsoAcrossMidnight) {
-  start(1000.0f);
+  s.platform.useManualClock(1000, 1000.0f);  // frames do not move the clock
+  s.platform.frameAdvanceMs(0);
+  ASSERT_EQ(s.init(), std::optional<bool>(true));
   const int presents = s.platform.presentCount();
   s.platform.resizeControl(200, 100);
   s.board.resize();
