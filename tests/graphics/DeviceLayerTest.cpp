@@ -1,5 +1,5 @@
 // The device layer on its own: D3DX math, the loader's view of .x files, and the device's
-// multisampling, states, back buffer and reset. The adapter's probes are start-up's checks.
+// states, back buffer and reset. The adapter's probes are start-up's checks.
 
 #include <gtest/gtest.h>
 
@@ -40,17 +40,6 @@ TEST(D3DXMath, PerspectiveLookAtAndProjectionRoundTrip) {
     D3DXVec3Subtract(d, point, eye);
     EXPECT_NEAR(std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z), distance, tolerance);
   }
-}
-
-TEST(Device, MultisamplingIsClampedAndResolvedAtPresent) {
-  GraphicsFixture f(40, 30, {}, false);
-  ASSERT_TRUE(f.startDevice(6));
-  // llvmpipe has four samples: a device asked for six gets four.
-  EXPECT_EQ(f.device().GetMultiSampleCount(), 4);
-  f.state().ambientBackColor = 0x203040;
-  Image image = f.frame();
-  ASSERT_EQ(image.width, 40);
-  EXPECT_EQ(countNot(image, {0x20, 0x30, 0x40}), 0);
 }
 
 TEST(Device, ResetRestoresDefaultsAndFollowsThePicture) {

@@ -1,5 +1,6 @@
-// Whole frames on the offscreen device: colours of the light, texture and blends, the order and
-// depth of the passes, the slots a frame draws, the projection's aspect and lost devices.
+// Whole frames on the offscreen device: the clear of a multisampled device, colours of the light,
+// texture and blends, the order and depth of the passes, the slots a frame draws, the
+// projection's aspect and lost devices.
 
 #include <gtest/gtest.h>
 
@@ -46,7 +47,9 @@ TEST(Frame, ClearsToTheBackColourAndNeedsADeviceAndAPicture) {
   EventRecorder events(f.board);
   f.state().ambientBackColor = 0x112233;
   f.board.render();
-  ASSERT_TRUE(f.startDevice());
+  // A multisampled device, resolved at Present: llvmpipe has four samples, so six give four.
+  ASSERT_TRUE(f.startDevice(6));
+  EXPECT_EQ(f.device().GetMultiSampleCount(), 4);
   f.state().pic.Width = 0;
   f.board.render();
   EXPECT_EQ(f.platform.presentCount(), 0);

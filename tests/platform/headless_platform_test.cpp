@@ -46,9 +46,6 @@ TEST(HeadlessPlatform, ControlSizeInTwipsOfEachAxis) {
   HeadlessPlatform platform(options);
   EXPECT_EQ(std::pair(platform.controlWidth(), platform.controlHeight()),
             std::pair(3600.0f, 4000.0f));
-  platform.resizeControl(100, 50);
-  EXPECT_EQ(std::pair(platform.controlWidth(), platform.controlHeight()),
-            std::pair(1200.0f, 1000.0f));
 }
 
 }  // namespace
