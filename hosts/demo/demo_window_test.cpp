@@ -1,0 +1,129 @@
+// The SDL window's platform on SDL's offscreen video driver, with a real control in it: what the
+// window shows agrees with the headless platform's picture of the same board, the status frame
+// lies over it, a new window size reaches pic, and SDL's input comes to the control in its terms.
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdlib>
+
+#include "SdlPlatform.h"
+#include "WindowHost.h"
+#include "ostrel/HeadlessPlatform.h"
+#include "ostrel/ctlBoard.h"
+
+namespace {
+
+class SdlWindow : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    setenv("SDL_VIDEODRIVER", "offscreen", 1);
+    videoReady_ = SDL_Init(SDL_INIT_VIDEO) == 0;
+  }
+  static void TearDownTestSuite() { SDL_Quit(); }
+  static bool videoReady_;
+};
+bool SdlWindow::videoReady_ = false;
+
+// Mean difference per channel of two pictures of one size.
+double meanDifference(const ostrel::Image& a, const ostrel::Image& b) {
+  double sum = 0;
+  for (size_t i = 0; i < a.rgba.size(); ++i) sum += std::abs(a.rgba[i] - b.rgba[i]);
+  return a.rgba.empty() ? 0 : sum / static_cast<double>(a.rgba.size());
+}
+
+void startPosition(ostrel::ctlBoard& board) {
+  for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+  board.drawBoard();
+}
+
+// The headless platform's pictures of the same control: before init, the start position, and the
+// same with the status frame shown. A control of its own, gone before the window's starts: one
+// started control per thread.
+struct Reference {
+  ostrel::Image before, shown, framed;
+};
+Reference referencePictures() {
+  ostrel::HeadlessOptions options;
+  options.pixelWidth = 200;
+  options.pixelHeight = 150;
+  ostrel::HeadlessPlatform offscreen(options);
+  ostrel::ctlBoard board(offscreen);
+  Reference pictures;
+  pictures.before = offscreen.windowImage();
+  startPosition(board);
+  if (board.init(false, 0, 1) != std::optional<bool>(true)) return pictures;
+  board.render();
+  pictures.shown = offscreen.windowImage();
+  board.showProgressBar("Loading", true, 50);
+  pictures.framed = offscreen.windowImage();
+  return pictures;
+}
+
+TEST_F(SdlWindow, ShowsWhatTheHeadlessPlatformShowsWithTheStatusFrameAndFollowsItsSize) {
+  ASSERT_TRUE(videoReady_) << SDL_GetError();
+
+  // First: SDL takes its context for the current one until it makes another current itself.
+  const Reference reference = referencePictures();
+  ASSERT_EQ(reference.shown.width, 200);
+  ostrel::SdlPlatform window("test", 200, 150);
+  ASSERT_TRUE(window.ok()) << window.error();
+  EXPECT_FLOAT_EQ(window.controlWidth(), 200 * 15.0f);
+  EXPECT_FLOAT_EQ(window.controlHeight(), 150 * 15.0f);
+  ostrel::ctlBoard board(window);
+
+  // Before the first frame the window shows the control's back colour, under the status frame.
+  ostrel::Image before = window.windowImage();
+  ASSERT_EQ(before.width, 200);
+  ASSERT_EQ(before.height, 150);
+  EXPECT_EQ(meanDifference(before, reference.before), 0);
+
+  startPosition(board);
+  ASSERT_EQ(board.init(false, 0, 1), std::optional<bool>(true));
+  board.render();
+  const ostrel::Image shown = window.windowImage();
+  ASSERT_EQ(shown.width, 200);
+  ASSERT_EQ(shown.height, 150);
+  // The same renderer on both sides: a picture upside down or shifted is far off.
+  EXPECT_LT(meanDifference(shown, reference.shown), 1.0);
+  EXPECT_GT(meanDifference(shown, before), 10.0) << "the board is drawn";
+
+  // The status frame is painted over the picture without a new frame of the control.
+  board.showProgressBar("Loading", true, 50);
+  const ostrel::Image framed = window.windowImage();
+  EXPECT_LT(meanDifference(framed, reference.framed), 1.0);
+  EXPECT_GT(meanDifference(framed, shown), 1.0);
+  board.showProgressBar("", false, 0);
+  window.repaint();
+  EXPECT_LT(meanDifference(window.windowImage(), shown), 0.01);
+
+  // A bigger window: the control follows at resize, and the picture is stretched to it at once.
+  SDL_SetWindowSize(window.window(), 300, 240);
+  board.resize();
+  EXPECT_FLOAT_EQ(board.pic().Width, 300 * 15.0f);
+  EXPECT_FLOAT_EQ(board.pic().Height, 240 * 15.0f);
+  const ostrel::Image bigger = window.windowImage();
+  EXPECT_EQ(bigger.width, 300);
+  EXPECT_EQ(bigger.height, 240);
+  EXPECT_TRUE(board.resizePending());
+}
+
+TEST(SdlInput, ReachesTheControlInItsOwnTerms) {
+  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_LEFT), 1);
+  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_RIGHT), 2);
+  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_MIDDLE), 4);
+  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_X1), 0);
+  EXPECT_EQ(demo::heldButtons(SDL_BUTTON_LMASK | SDL_BUTTON_RMASK | SDL_BUTTON_MMASK), 7);
+  EXPECT_EQ(demo::heldButtons(SDL_BUTTON_RMASK), 2);
+  EXPECT_EQ(demo::shiftMask(KMOD_RSHIFT | KMOD_LALT), 5);
+  EXPECT_EQ(demo::shiftMask(KMOD_LCTRL | KMOD_NUM), 2);
+
+  const std::pair<SDL_Keycode, int16_t> keys[] = {
+      {SDLK_ESCAPE, 27}, {SDLK_LEFT, 37},   {SDLK_UP, 38},     {SDLK_RIGHT, 39}, {SDLK_DOWN, 40},
+      {SDLK_a, 65},      {SDLK_n, 78},      {SDLK_z, 90},      {SDLK_0, 48},     {SDLK_9, 57},
+      {SDLK_F1, 112},    {SDLK_RETURN, 13}, {SDLK_CAPSLOCK, 0}};
+  for (auto [key, code] : keys) EXPECT_EQ(demo::virtualKeyCode(key), code) << SDL_GetKeyName(key);
+}
+
+}  // namespace
