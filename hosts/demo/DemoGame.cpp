@@ -9,7 +9,12 @@ constexpr int16_t kKeyN = 78;
 }  // namespace
 
 DemoGame::DemoGame(ostrel::ctlBoard& board, uint32_t seed, bool userPlaysWhite)
-    : board_(board), opponent_(seed), userPlaysWhite_(userPlaysWhite) {}
+    : board_(board), opponent_(seed), userPlaysWhite_(userPlaysWhite) {
+  // The control's own view is close enough to crop the edge rows of a square window: this one
+  // shows the whole board, seen from white's side at a slant.
+  board_.rotationHorizontalAxis(1.0f);
+  board_.viewingDistance(23.0f);
+}
 
 void DemoGame::writeFields() {
   const Position& position = game_.position();
