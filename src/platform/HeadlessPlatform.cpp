@@ -11,6 +11,7 @@
 
 #include "graphics/d3d8types.h"
 #include "ostrel/ctlBoard.h"
+#include "platform/PlatformSources.h"
 #include "platform/ShippedAssets.h"
 #include "platform/StatusFramePainter.h"
 
@@ -62,18 +63,11 @@ int32_t HeadlessPlatform::timeGetTime() {
 
 float HeadlessPlatform::Timer() {
   if (manualClock_) return static_cast<float>(manualTimer_);
-  auto now = std::chrono::system_clock::now();
-  std::time_t t = std::chrono::system_clock::to_time_t(now);
-  std::tm local{};
-  localtime_r(&t, &local);
-  double fraction = std::chrono::duration<double>(now.time_since_epoch()).count();
-  fraction -= std::floor(fraction);
-  return static_cast<float>(local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec + fraction);
+  return secondsSinceLocalMidnight();
 }
 
 float HeadlessPlatform::Rnd() {
-  // 24 random bits: every value is exact in a float and below 1.
-  return static_cast<float>(random_() >> 8) * (1.0f / 16777216.0f);
+  return unitFloat(random_());
 }
 
 ScreenMetrics HeadlessPlatform::screenMetrics() {
