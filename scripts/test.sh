@@ -25,7 +25,7 @@ build/consumer/consumer
 
 echo "== sanitizers (address, undefined)"
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOSTREL_SANITIZE=ON \
-  -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=OFF
+  -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=ON
 cmake --build build-asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 ctest --test-dir build-asan --output-on-failure -j "$jobs"
 
