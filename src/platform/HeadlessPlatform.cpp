@@ -144,16 +144,7 @@ Image HeadlessPlatform::windowImage() const {
     image = presented_;
   } else {
     // Until the first Present the window shows the control's back colour.
-    image.width = std::max(pictureWidth_, 0);
-    image.height = std::max(pictureHeight_, 0);
-    int32_t colour = backColor_ ? *backColor_ : 0;
-    image.rgba.resize(static_cast<size_t>(image.width) * image.height * 4);
-    for (size_t i = 0; i < image.rgba.size(); i += 4) {
-      image.rgba[i] = static_cast<uint8_t>(colour & 0xFF);
-      image.rgba[i + 1] = static_cast<uint8_t>((colour >> 8) & 0xFF);
-      image.rgba[i + 2] = static_cast<uint8_t>((colour >> 16) & 0xFF);
-      image.rgba[i + 3] = 255;
-    }
+    image = solidImage(pictureWidth_, pictureHeight_, backColor_ ? *backColor_ : 0);
   }
   if (frame_ && status_ && progress_) {
     paintStatusFrame(image, *frame_, *status_, *progress_, options_.twipsPerPixelX,

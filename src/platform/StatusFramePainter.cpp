@@ -245,4 +245,18 @@ void paintStatusFrame(Image& image, const Label& frame, const Label& status, con
   if (status.Visible) paintCaption(image, status, client, inner, twipsPerPixelX, twipsPerPixelY);
 }
 
+Image solidImage(int width, int height, int32_t colour) {
+  Image image;
+  image.width = std::max(width, 0);
+  image.height = std::max(height, 0);
+  image.rgba.resize(static_cast<size_t>(image.width) * image.height * 4);
+  for (size_t i = 0; i < image.rgba.size(); i += 4) {
+    image.rgba[i] = static_cast<uint8_t>(colour & 0xFF);
+    image.rgba[i + 1] = static_cast<uint8_t>((colour >> 8) & 0xFF);
+    image.rgba[i + 2] = static_cast<uint8_t>((colour >> 16) & 0xFF);
+    image.rgba[i + 3] = 255;
+  }
+  return image;
+}
+
 }  // namespace ostrel
