@@ -36,7 +36,7 @@ constexpr double kFootIn = 0.03;     // how far the bottom rounding comes in
 constexpr double kGrooveDepth = 0.007;
 constexpr double kGrooveHalfWidth = 0.009;
 constexpr double kGrooves[] = {0.078, 0.117};
-constexpr int kSegments = 32;        // round enough with smooth normals
+constexpr int kSegments = 24;        // round enough with smooth normals
 constexpr double kSideRho = 0.94;    // image radius at the end of the profile
 constexpr double kBottomRho = 0.97;  // image radius used for the flat underside
 constexpr int kImageSize = 512;
@@ -64,21 +64,21 @@ std::vector<ProfilePoint> profile() {
   add(kFloor * 0.85, floorY);
   add(kFloor, floorY);
   // The cove rising from the floor to the rim.
-  for (int i = 1; i <= 3; ++i) {
-    const double t = static_cast<double>(i) / 3;
+  for (int i = 1; i <= 2; ++i) {
+    const double t = static_cast<double>(i) / 2;
     add(kFloor + (kCrestIn - kFloor) * t, floorY + kRecess * (0.5 - 0.5 * std::cos(M_PI * t)));
   }
   add(kCrestOut, kHeight);
   // The rim rounds over into the side: a quarter ellipse.
   const double a = kRadius - kCrestOut, b = kShoulder;
-  for (int i = 1; i <= 4; ++i) {
-    const double phi = (M_PI / 2) * i / 4;
+  for (int i = 1; i <= 3; ++i) {
+    const double phi = (M_PI / 2) * i / 3;
     add(kCrestOut + a * std::sin(phi), kHeight - b + b * std::cos(phi));
   }
   // The side, downward: straight but for its grooves, each a cosine dip.
   std::vector<double> ys{kHeight - kShoulder, kFoot};
   for (double c : kGrooves) {
-    for (int i = -2; i <= 2; ++i) ys.push_back(c + kGrooveHalfWidth * i / 2);
+    for (int i = -1; i <= 1; ++i) ys.push_back(c + kGrooveHalfWidth * i);
   }
   std::sort(ys.begin(), ys.end(), [](double l, double r) { return l > r; });
   for (double y : ys) {
@@ -92,8 +92,8 @@ std::vector<ProfilePoint> profile() {
     add(r, y);
   }
   // The foot rounds in to the flat underside.
-  for (int i = 1; i <= 3; ++i) {
-    const double phi = (M_PI / 2) * i / 3;
+  for (int i = 1; i <= 2; ++i) {
+    const double phi = (M_PI / 2) * i / 2;
     add(kRadius - kFootIn + kFootIn * std::cos(phi), kFoot - kFoot * std::sin(phi));
   }
 
