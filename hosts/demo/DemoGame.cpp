@@ -47,7 +47,6 @@ void DemoGame::opening(double time) {
 void DemoGame::finishOpening() {
   if (phase_ != Phase::Opening) return;
   board_.stopAnimation();
-  board_.drawBoard();
   nextTurn();
 }
 
@@ -56,6 +55,7 @@ void DemoGame::startAtRest() {
   nextTurn();
 }
 
+// The scene is rebuilt here, once the list is what the only-move marker should show.
 void DemoGame::nextTurn() {
   board_.clearMoveList();
   if (game_.outcome() != Outcome::Playing) {
@@ -81,7 +81,6 @@ void DemoGame::playOnlyMove() {
   if (phase_ != Phase::UserOnlyMove || game_.moves().empty()) return;
   board_.showMove(game_.moves().front().text());
   played(0);
-  board_.drawBoard();
   nextTurn();
 }
 
@@ -91,7 +90,6 @@ void DemoGame::playOpponent() {
   if (index >= game_.moves().size()) return;
   board_.showMove(game_.moves()[index].text());
   played(index);
-  board_.drawBoard();
   nextTurn();
 }
 
