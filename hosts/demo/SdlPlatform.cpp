@@ -8,11 +8,9 @@
 #include <epoxy/gl.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 
 #include "graphics/d3d8.h"
 #include "graphics/gl/GlReadback.h"
@@ -146,6 +144,10 @@ SdlPlatform::~SdlPlatform() {
   if (window_) SDL_DestroyWindow(window_);
 }
 
+int SdlPlatform::displayIndex() const {
+  return window_ ? std::max(SDL_GetWindowDisplayIndex(window_), 0) : 0;
+}
+
 uint32_t SdlPlatform::windowId() const {
   return window_ ? SDL_GetWindowID(window_) : 0;
 }
@@ -182,7 +184,7 @@ float SdlPlatform::Rnd() {
 }
 
 ScreenMetrics SdlPlatform::screenMetrics() {
-  const int display = window_ ? std::max(SDL_GetWindowDisplayIndex(window_), 0) : 0;
+  const int display = displayIndex();
   SDL_Rect bounds{0, 0, 1920, 1080};
   SDL_GetDisplayBounds(display, &bounds);
   float hdpi = 0, vdpi = 0;
@@ -229,7 +231,7 @@ void SdlPlatform::repaint() {
 AdapterProfile SdlPlatform::adapterProfile() {
   AdapterProfile profile;
   SDL_DisplayMode mode{};
-  const int display = window_ ? std::max(SDL_GetWindowDisplayIndex(window_), 0) : 0;
+  const int display = displayIndex();
   if (SDL_GetCurrentDisplayMode(display, &mode) == 0 && mode.w > 0 && mode.h > 0) {
     profile.displayWidth = mode.w;
     profile.displayHeight = mode.h;

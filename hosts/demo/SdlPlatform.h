@@ -63,6 +63,7 @@ class SdlPlatform : public Platform {
   struct Gl;  // the GL objects that keep and show the window's picture
 
   void drawableSize(int& width, int& height) const;
+  int displayIndex() const;  // the display the window stands on
   bool frameVisible() const;
   void show();  // the kept picture and the status frame to the window, then swap
 

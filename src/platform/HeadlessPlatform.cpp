@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <ctime>
 
 #include "graphics/d3d8types.h"
 #include "ostrel/ctlBoard.h"
