@@ -15,8 +15,8 @@
 
 #include "HeadlessGame.h"
 #include "Options.h"
-#include "SdlPlatform.h"
 #include "WindowHost.h"
+#include "ostrel/sdl/SdlPlatform.h"
 
 int main(int argc, char** argv) {
   const std::string program = argc > 0 ? argv[0] : "ostrel-demo";

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ostrel/Platform.h"
+#include "ostrel/testing/DeviceProbes.h"
 
 namespace ostrel {
 
@@ -19,8 +20,10 @@ struct HeadlessOptions {
   std::string appPath;  // empty: the folder that holds the shipped models/
   int32_t screenWidthMm = 508, screenHeightMm = 286;            // HORZSIZE, VERTSIZE
   int32_t screenWidthPixels = 1920, screenHeightPixels = 1080;  // HORZRES, VERTRES
-  bool direct3DAvailable = true;                                // false: Direct3DCreate gives none
-  int32_t checkDeviceTypeResult = 0;                            // what CheckDeviceType answers
+  // How the simulated adapter answers the device layer's probes (see
+  // ostrel/testing/DeviceProbes.h).
+  bool direct3DAvailable = true;                   // false: Direct3DCreate gives none
+  int32_t checkDeviceTypeResult = 0;               // what CheckDeviceType answers
   bool multisample4 = true, multisample6 = false;  // CheckDeviceMultiSampleType; a device asked
                                                    // for more samples than the renderer has gets
                                                    // the most it has
@@ -29,7 +32,8 @@ struct HeadlessOptions {
   int32_t maxAnisotropy = 16;                      // MaxAnisotropy of GetDeviceCaps
 };
 
-class HeadlessPlatform : public Platform {
+// The platform is its own surface.
+class HeadlessPlatform : public Platform, public Surface, public DeviceProbes {
  public:
   explicit HeadlessPlatform(HeadlessOptions options = {});
   ~HeadlessPlatform() override;
@@ -48,7 +52,6 @@ class HeadlessPlatform : public Platform {
   void makeDeviceResettable();
   int presentCount() const { return presentCount_; }
   int resetCount() const { return resetCount_; }
-  Image windowImage() const override;
   bool saveWindowPng(const std::string& path) const;
 
   int32_t timeGetTime() override;
@@ -63,16 +66,17 @@ class HeadlessPlatform : public Platform {
   void MsgBox(const std::string& text) override;
   void Refresh(const Label& label) override;
 
-  AdapterProfile adapterProfile() override;
+  Surface& surface() override { return *this; }
+
   bool makeContextCurrent() override;
   void placePicture(int32_t widthPixels, int32_t heightPixels) override;
   void pictureSize(int32_t& widthPixels, int32_t& heightPixels) override;
   void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) override;
-  int32_t cooperativeLevel() override;
+  Image windowImage() const override;
+
+  AdapterProfile adapterProfile() const override;
+  int32_t cooperativeLevel() const override;
   void deviceWasReset() override;
-  void attachControl(const int32_t* backColor, const Label* frame, const Label* status,
-                     const Label* progress) override;
-  void detachControl() override;
 
  private:
   struct Context;  // the EGL display and context, made on first use
@@ -89,10 +93,6 @@ class HeadlessPlatform : public Platform {
   int32_t pictureWidth_ = 0, pictureHeight_ = 0;  // pic's client size in pixels
   Image presented_;                               // the last presented picture, pic-sized
   bool presentedAny_ = false;
-  const int32_t* backColor_ = nullptr;
-  const Label* frame_ = nullptr;
-  const Label* status_ = nullptr;
-  const Label* progress_ = nullptr;
   std::shared_ptr<Context> context_;  // shared_ptr: the type is complete only in the graphics half
 };
 

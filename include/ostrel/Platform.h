@@ -1,7 +1,8 @@
 #pragma once
-// What the control needs of its host's window system: clocks, random numbers, screen metrics,
-// message boxes, the status frame's painting, and the window that the picture box stands for
-// with the OpenGL context that the device layer draws into.
+// What the control needs of its host. Two parts: the host services (clocks, random numbers, screen
+// metrics, layout in twips, message boxes, the status frame's painting) are the Platform; the
+// window area that pic stands for, with the OpenGL context the control draws into, is its Surface.
+// One Platform per host window; docs/embedding.md tells the order in which the control calls them.
 
 #include <cstdint>
 #include <string>
@@ -9,6 +10,7 @@
 
 namespace ostrel {
 
+class ctlBoard;
 struct Label;
 
 struct ScreenMetrics {
@@ -22,59 +24,52 @@ struct Image {
   std::vector<uint8_t> rgba;
 };
 
-// How the adapter answers the device layer's probes, and which device creations fail.
-struct AdapterProfile {
-  bool direct3DAvailable = true;         // false: Direct3DCreate gives none
-  int32_t checkDeviceTypeResult = 0;     // what CheckDeviceType answers
-  bool multisample4 = true;              // CheckDeviceMultiSampleType for 4 samples answers 0
-  bool multisample6 = false;             // ... and for 6 samples
-  bool hardwareVertexProcessing = true;  // false: a hardware-vertex CreateDevice fails
-  bool softwareVertexProcessing = true;  // false: a software-vertex CreateDevice raises a failure
-  int32_t maxAnisotropy = 16;            // MaxAnisotropy of GetDeviceCaps
-  int32_t displayWidth = 1920, displayHeight = 1080, refreshRate = 60;
-  int32_t displayFormat = 22;  // D3DFMT_X8R8G8B8
+// The window area that pic stands for. All sizes are in device pixels: on a scaled display the
+// picture is rendered at the display's own resolution.
+class Surface {
+ public:
+  virtual ~Surface() = default;
+
+  // Makes the window's OpenGL 3.3 core context current; false when there is none to be had.
+  virtual bool makeContextCurrent() = 0;
+  // The control gave pic this client size (init and resize call it).
+  virtual void placePicture(int32_t widthPixels, int32_t heightPixels) = 0;
+  // pic's client size now.
+  virtual void pictureSize(int32_t& widthPixels, int32_t& heightPixels) = 0;
+  // Shows a finished back buffer in the window, stretched over pic's client area. framebuffer is a
+  // GL framebuffer object of the current context, not multisampled, width x height pixels.
+  virtual void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) = 0;
+  // What the window shows now: the last presented picture (the control's back colour before the
+  // first), with the visible parts of the status frame over it. The screen dump reads it.
+  virtual Image windowImage() const = 0;
 };
 
 class Platform {
  public:
   virtual ~Platform() = default;
 
-  virtual int32_t timeGetTime() = 0;  // milliseconds, wrapping like the platform's
-  virtual float Timer() = 0;          // seconds since midnight
-  virtual float Rnd() = 0;            // uniform in [0, 1)
-  virtual float TwipsPerPixelX() = 0;
+  virtual int32_t timeGetTime() = 0;   // milliseconds, wrapping like the platform's
+  virtual float Timer() = 0;           // seconds since midnight
+  virtual float Rnd() = 0;             // uniform in [0, 1)
+  virtual float TwipsPerPixelX() = 0;  // 1440 / the display's pixels per logical inch
   virtual float TwipsPerPixelY() = 0;
   virtual ScreenMetrics screenMetrics() = 0;
-  virtual std::string AppPath() = 0;
-  virtual float controlWidth() = 0;  // the control's size in twips, as the host laid it out
+  virtual std::string AppPath() = 0;  // the folder that holds models/
+  virtual float controlWidth() = 0;   // the control's size in twips, as the host laid it out
   virtual float controlHeight() = 0;
   virtual void MsgBox(const std::string& text) = 0;  // modal, OK only, the default title
   virtual void Refresh(const Label& label) = 0;  // paint that label (and what lies under it) now
 
-  // --- The window that pic stands for, used by the library's device layer and screen dump. ---
+  // The window that pic stands for.
+  virtual Surface& surface() = 0;
 
-  // Answers of the adapter probes; the default is an able adapter.
-  virtual AdapterProfile adapterProfile() { return {}; }
-  // Makes this window's OpenGL 3.3 core context current; false when there is none to be had.
-  virtual bool makeContextCurrent() = 0;
-  // The control gave pic this client size.
-  virtual void placePicture(int32_t widthPixels, int32_t heightPixels) = 0;
-  // pic's client size now, in pixels.
-  virtual void pictureSize(int32_t& widthPixels, int32_t& heightPixels) = 0;
-  // Shows a finished back buffer (a GL framebuffer object of the current context, not
-  // multisampled) in the window, stretched over pic's client area.
-  virtual void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) = 0;
-  // What TestCooperativeLevel answers: 0, D3DERR_DEVICELOST or D3DERR_DEVICENOTRESET.
-  virtual int32_t cooperativeLevel() { return 0; }
-  // A device Reset succeeded.
-  virtual void deviceWasReset() {}
-  // What the window shows now: the last presented picture (the back colour before the first),
-  // with the visible parts of the status frame over it.
-  virtual Image windowImage() const = 0;
-  // The control's back colour (0x00BBGGRR) and status frame, for painting the window.
-  virtual void attachControl(const int32_t* backColor, const Label* frame, const Label* status,
-                             const Label* progress) = 0;
-  virtual void detachControl() = 0;
+  // The control that this window shows, set by its constructor and cleared (nullptr) by its
+  // destructor: its BackColor, label1, lblStatus and lblProgress are what the window paints.
+  virtual void attachControl(const ctlBoard* control) { control_ = control; }
+  const ctlBoard* attachedControl() const { return control_; }
+
+ private:
+  const ctlBoard* control_ = nullptr;
 };
 
 }  // namespace ostrel

@@ -29,12 +29,12 @@ constexpr int kFieldSlots = 51;
 }
 
 ctlBoard::ctlBoard(Platform& platform) : s_(std::make_unique<ControlState>(platform)) {
-  platform.attachControl(&s_->backColor, &s_->label1, &s_->lblStatus, &s_->lblProgress);
+  platform.attachControl(this);
 }
 
 ctlBoard::~ctlBoard() {
   graphics::releaseDevice();
-  s_->platform.detachControl();
+  s_->platform.attachControl(nullptr);
 }
 
 void ctlBoard::setEventSink(ctlBoardEvents* sink) {

@@ -24,8 +24,8 @@ void fitPictureToControl(ControlState& s) {
   Platform& platform = s.platform;
   s.pic.Width = platform.controlWidth();
   s.pic.Height = platform.controlHeight();
-  platform.placePicture(toPixels(s.pic.Width, platform.TwipsPerPixelX()),
-                        toPixels(s.pic.Height, platform.TwipsPerPixelY()));
+  platform.surface().placePicture(toPixels(s.pic.Width, platform.TwipsPerPixelX()),
+                                  toPixels(s.pic.Height, platform.TwipsPerPixelY()));
 }
 
 void resize(ControlState& s) {

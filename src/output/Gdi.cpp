@@ -169,11 +169,11 @@ HDC GetDC(HWND hWnd) {
   try {
     auto dc = std::make_unique<DeviceContext>();
     dc->window = hWnd;
-    hWnd->pictureSize(dc->width, dc->height);
+    hWnd->surface().pictureSize(dc->width, dc->height);
     dc->width = std::max(dc->width, 0);
     dc->height = std::max(dc->height, 0);
     dc->metrics = hWnd->screenMetrics();
-    dc->surface = hWnd->windowImage();
+    dc->surface = hWnd->surface().windowImage();
     const Image& s = dc->surface;
     if (s.width < 0 || s.height < 0 ||
         s.rgba.size() < static_cast<size_t>(s.width) * static_cast<size_t>(s.height) * 4) {
@@ -194,7 +194,7 @@ BOOL GetClientRect(HWND hWnd, RECT* rect) {
   if (!hWnd || !rect) return 0;
   int32_t width = 0, height = 0;
   try {
-    hWnd->pictureSize(width, height);
+    hWnd->surface().pictureSize(width, height);
   } catch (...) {
     return 0;
   }

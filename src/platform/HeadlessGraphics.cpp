@@ -7,9 +7,9 @@
 #include <cstring>
 #include <mutex>
 
-#include "graphics/d3d8.h"
 #include "graphics/gl/GlReadback.h"
 #include "ostrel/HeadlessPlatform.h"
+#include "ostrel/PlatformSupport.h"
 
 namespace ostrel {
 
@@ -77,7 +77,7 @@ struct HeadlessPlatform::Context {
 
 HeadlessPlatform::~HeadlessPlatform() {
   // GL objects still held by meshes or devices die with the context, not after it.
-  graphics::platformContextGoing(*this);
+  releaseGraphics(*this);
 }
 
 bool HeadlessPlatform::makeContextCurrent() {

@@ -9,10 +9,8 @@
 #include <cmath>
 
 #include "graphics/d3d8types.h"
+#include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
-#include "platform/PlatformSources.h"
-#include "platform/ShippedAssets.h"
-#include "platform/StatusFramePainter.h"
 
 namespace ostrel {
 
@@ -104,7 +102,7 @@ void HeadlessPlatform::loseDevice() {
 void HeadlessPlatform::makeDeviceResettable() {
   cooperativeLevel_ = graphics::D3DERR_DEVICENOTRESET;
 }
-int32_t HeadlessPlatform::cooperativeLevel() {
+int32_t HeadlessPlatform::cooperativeLevel() const {
   return cooperativeLevel_;
 }
 
@@ -113,7 +111,7 @@ void HeadlessPlatform::deviceWasReset() {
   if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = 0;
 }
 
-AdapterProfile HeadlessPlatform::adapterProfile() {
+AdapterProfile HeadlessPlatform::adapterProfile() const {
   AdapterProfile p;
   p.direct3DAvailable = options_.direct3DAvailable;
   p.checkDeviceTypeResult = options_.checkDeviceTypeResult;
@@ -122,8 +120,6 @@ AdapterProfile HeadlessPlatform::adapterProfile() {
   p.hardwareVertexProcessing = options_.hardwareVertexProcessing;
   p.softwareVertexProcessing = options_.softwareVertexProcessing;
   p.maxAnisotropy = options_.maxAnisotropy;
-  p.displayWidth = options_.screenWidthPixels;
-  p.displayHeight = options_.screenHeightPixels;
   return p;
 }
 
@@ -143,12 +139,10 @@ Image HeadlessPlatform::windowImage() const {
     image = presented_;
   } else {
     // Until the first Present the window shows the control's back colour.
-    image = solidImage(pictureWidth_, pictureHeight_, backColor_ ? *backColor_ : 0);
+    const ctlBoard* control = attachedControl();
+    image = solidImage(pictureWidth_, pictureHeight_, control ? control->BackColor() : 0);
   }
-  if (frame_ && status_ && progress_) {
-    paintStatusFrame(image, *frame_, *status_, *progress_, options_.twipsPerPixelX,
-                     options_.twipsPerPixelY);
-  }
+  paintStatusFrame(image, attachedControl(), options_.twipsPerPixelX, options_.twipsPerPixelY);
   return image;
 }
 
@@ -157,18 +151,6 @@ bool HeadlessPlatform::saveWindowPng(const std::string& path) const {
   if (image.width <= 0 || image.height <= 0) return false;
   return stbi_write_png(path.c_str(), image.width, image.height, 4, image.rgba.data(),
                         image.width * 4) != 0;
-}
-
-void HeadlessPlatform::attachControl(const int32_t* backColor, const Label* frame,
-                                     const Label* status, const Label* progress) {
-  backColor_ = backColor;
-  frame_ = frame;
-  status_ = status;
-  progress_ = progress;
-}
-
-void HeadlessPlatform::detachControl() {
-  attachControl(nullptr, nullptr, nullptr, nullptr);
 }
 
 }  // namespace ostrel

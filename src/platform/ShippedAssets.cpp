@@ -1,8 +1,8 @@
-#include "platform/ShippedAssets.h"
-
 #include <dlfcn.h>
 
 #include <filesystem>
+
+#include "ostrel/PlatformSupport.h"
 
 namespace ostrel {
 

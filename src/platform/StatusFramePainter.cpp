@@ -1,5 +1,3 @@
-#include "platform/StatusFramePainter.h"
-
 #include <stb_truetype.h>
 
 #include <algorithm>
@@ -8,6 +6,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
 
 namespace ostrel {
@@ -243,6 +242,13 @@ void paintStatusFrame(Image& image, const Label& frame, const Label& status, con
     fillRect(image, fill.intersect(inner), progress.BackColor);
   }
   if (status.Visible) paintCaption(image, status, client, inner, twipsPerPixelX, twipsPerPixelY);
+}
+
+void paintStatusFrame(Image& image, const ctlBoard* control, float twipsPerPixelX,
+                      float twipsPerPixelY) {
+  if (control == nullptr) return;
+  paintStatusFrame(image, control->label1(), control->lblStatus(), control->lblProgress(),
+                   twipsPerPixelX, twipsPerPixelY);
 }
 
 Image solidImage(int width, int height, int32_t colour) {

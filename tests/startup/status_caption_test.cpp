@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ostrel/PlatformSupport.h"
 #include "ostrel/ostrel.h"
-#include "platform/StatusFramePainter.h"
 
 namespace {
 

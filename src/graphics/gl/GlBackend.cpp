@@ -18,6 +18,7 @@
 #include "graphics/d3d8.h"
 #include "graphics/gl/GlReadback.h"
 #include "ostrel/Platform.h"
+#include "ostrel/testing/DeviceProbes.h"
 
 namespace ostrel::graphics {
 
@@ -25,6 +26,22 @@ namespace {
 
 [[noreturn]] void raise(int32_t number, const std::string& text) {
   throw D3DError(number, text);
+}
+
+constexpr uint32_t kDisplayRefreshRate = 60;
+
+// A platform that simulates an adapter answers the probes itself; every other one has an able
+// adapter whose device is never lost.
+AdapterProfile adapterOf(Platform& platform) {
+  const auto* probes = dynamic_cast<const DeviceProbes*>(&platform);
+  return probes ? probes->adapterProfile() : AdapterProfile{};
+}
+int32_t cooperativeLevelOf(Platform& platform) {
+  const auto* probes = dynamic_cast<const DeviceProbes*>(&platform);
+  return probes ? probes->cooperativeLevel() : 0;
+}
+void deviceWasResetOn(Platform& platform) {
+  if (auto* probes = dynamic_cast<DeviceProbes*>(&platform)) probes->deviceWasReset();
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -270,7 +287,7 @@ struct GlShared {
   GlShared(const GlShared&) = delete;
   GlShared& operator=(const GlShared&) = delete;
 
-  bool makeCurrent() { return alive && platform->makeContextCurrent(); }
+  bool makeCurrent() { return alive && platform->surface().makeContextCurrent(); }
   void requireCurrent() {
     if (!makeCurrent()) raise(D3DERR_DEVICELOST, "the window's OpenGL context is gone");
   }
@@ -644,10 +661,10 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
     if (gl_->makeCurrent()) dropBackBuffer();
   }
 
-  int32_t TestCooperativeLevel() override { return window_.cooperativeLevel(); }
+  int32_t TestCooperativeLevel() override { return cooperativeLevelOf(window_); }
 
   void Reset(D3DPRESENT_PARAMETERS& p) override {
-    if (window_.cooperativeLevel() == D3DERR_DEVICELOST) {
+    if (cooperativeLevelOf(window_) == D3DERR_DEVICELOST) {
       raise(D3DERR_DEVICELOST, "the device is lost and cannot be reset yet");
     }
     if (inScene_) raise(D3DERR_INVALIDCALL, "Reset inside a scene");
@@ -657,7 +674,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
     buildBackBuffer();
     state_ = defaultState(parameters_, width_, height_);
     gl_->cache.valid = false;
-    window_.deviceWasReset();
+    deviceWasResetOn(window_);
   }
 
   void Clear(uint32_t count, const D3DRECT* rects, uint32_t flags, uint32_t color, float z,
@@ -711,7 +728,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
   }
 
   void Present(const D3DRECT*, const D3DRECT*, uintptr_t, const void*) override {
-    int32_t level = window_.cooperativeLevel();
+    int32_t level = cooperativeLevelOf(window_);
     if (level == D3DERR_DEVICELOST || level == D3DERR_DEVICENOTRESET) {
       raise(D3DERR_DEVICELOST, "the device is lost");
     }
@@ -725,7 +742,8 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
       shown = resolveFramebuffer_;
     }
     gl_->cache.valid = false;  // the window may use the context in its own way
-    window_.presentFramebuffer(shown, static_cast<int32_t>(width_), static_cast<int32_t>(height_));
+    window_.surface().presentFramebuffer(shown, static_cast<int32_t>(width_),
+                                         static_cast<int32_t>(height_));
     gl_->makeCurrent();
     gl_->cache.valid = false;
   }
@@ -808,7 +826,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
     caps = D3DCAPS8{};
     caps.DeviceType = D3DDEVTYPE_HAL;
     caps.MaxTextureWidth = caps.MaxTextureHeight = kMaxTextureSide;
-    caps.MaxAnisotropy = static_cast<uint32_t>(std::max(0, window_.adapterProfile().maxAnisotropy));
+    caps.MaxAnisotropy = static_cast<uint32_t>(std::max(0, adapterOf(window_).maxAnisotropy));
     caps.MaxActiveLights = 8;
     caps.MaxSimultaneousTextures = 1;
   }
@@ -860,7 +878,7 @@ class GlDevice final : public Direct3DDevice8, public std::enable_shared_from_th
     uint32_t w = parameters_.BackBufferWidth, h = parameters_.BackBufferHeight;
     if (w == 0 || h == 0) {
       int32_t pw = 0, ph = 0;
-      window_.pictureSize(pw, ph);
+      window_.surface().pictureSize(pw, ph);
       if (w == 0) w = static_cast<uint32_t>(std::max(pw, 1));
       if (h == 0) h = static_cast<uint32_t>(std::max(ph, 1));
     }
@@ -1195,17 +1213,17 @@ class GlDirect3D8 final : public Direct3D8 {
 
   void GetAdapterDisplayMode(uint32_t adapter, D3DDISPLAYMODE& mode) override {
     if (adapter != D3DADAPTER_DEFAULT) raise(D3DERR_INVALIDCALL, "no such adapter");
-    AdapterProfile p = platform_.adapterProfile();
-    mode.Width = static_cast<uint32_t>(p.displayWidth);
-    mode.Height = static_cast<uint32_t>(p.displayHeight);
-    mode.RefreshRate = static_cast<uint32_t>(p.refreshRate);
-    mode.Format = p.displayFormat;
+    const ScreenMetrics screen = platform_.screenMetrics();
+    mode.Width = static_cast<uint32_t>(std::max(screen.widthPixels, 0));
+    mode.Height = static_cast<uint32_t>(std::max(screen.heightPixels, 0));
+    mode.RefreshRate = kDisplayRefreshRate;
+    mode.Format = D3DFMT_X8R8G8B8;
   }
 
   int32_t CheckDeviceMultiSampleType(uint32_t adapter, int32_t, int32_t, int32_t,
                                      int32_t type) override {
     if (adapter != D3DADAPTER_DEFAULT) return D3DERR_INVALIDCALL;
-    AdapterProfile p = platform_.adapterProfile();
+    AdapterProfile p = adapterOf(platform_);
     if (type == D3DMULTISAMPLE_NONE) return D3D_OK;
     if (type == 4) return p.multisample4 ? D3D_OK : D3DERR_NOTAVAILABLE;
     if (type == 6) return p.multisample6 ? D3D_OK : D3DERR_NOTAVAILABLE;
@@ -1214,7 +1232,7 @@ class GlDirect3D8 final : public Direct3D8 {
 
   int32_t CheckDeviceType(uint32_t adapter, int32_t, int32_t, int32_t, int32_t) override {
     if (adapter != D3DADAPTER_DEFAULT) return D3DERR_INVALIDCALL;
-    return platform_.adapterProfile().checkDeviceTypeResult;
+    return adapterOf(platform_).checkDeviceTypeResult;
   }
 
   std::shared_ptr<Direct3DDevice8> CreateDevice(uint32_t adapter, int32_t deviceType,
@@ -1223,7 +1241,7 @@ class GlDirect3D8 final : public Direct3D8 {
     if (adapter != D3DADAPTER_DEFAULT) raise(D3DERR_INVALIDCALL, "no such adapter");
     if (deviceType != D3DDEVTYPE_HAL) raise(D3DERR_NOTAVAILABLE, "only the HAL device exists");
     Platform& target = window ? *window : platform_;
-    AdapterProfile p = target.adapterProfile();
+    AdapterProfile p = adapterOf(target);
     uint32_t kinds =
         behaviorFlags & (D3DCREATE_SOFTWARE_VERTEXPROCESSING | D3DCREATE_HARDWARE_VERTEXPROCESSING |
                          D3DCREATE_MIXED_VERTEXPROCESSING);
@@ -1249,8 +1267,8 @@ class GlDirect3D8 final : public Direct3D8 {
 }  // namespace
 
 std::shared_ptr<Direct3D8> Direct3DCreate(Platform& platform) {
-  if (!platform.adapterProfile().direct3DAvailable) return nullptr;
-  if (!platform.makeContextCurrent()) return nullptr;
+  if (!adapterOf(platform).direct3DAvailable) return nullptr;
+  if (!platform.surface().makeContextCurrent()) return nullptr;
   if (epoxy_gl_version() < 33) return nullptr;
   return std::make_shared<GlDirect3D8>(platform);
 }

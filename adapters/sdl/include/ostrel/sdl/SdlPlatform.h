@@ -1,6 +1,8 @@
 #pragma once
-// A Platform for one SDL2 window with an OpenGL 3.3 core context: pic is the window's whole
-// client area, in drawable pixels, and the control's frames are shown stretched over it.
+// A Platform for one SDL2 window with an OpenGL 3.3 core context: pic is the window's whole client
+// area, rendered at device pixels, and the control's frames are shown stretched over it. The
+// twips per pixel follow the display's scale, so the status frame and the gestures keep their size
+// on a HiDPI display.
 
 #include <cstdint>
 #include <memory>
@@ -13,11 +15,13 @@ struct SDL_Window;
 
 namespace ostrel {
 
-class SdlPlatform : public Platform {
+class SdlPlatform : public Platform, public Surface {
  public:
-  // Opens the window (SDL's video must be initialised) with its context. Check ok() after: a
-  // system without a display, or without OpenGL 3.3, gives a platform that is not ok, and why.
-  SdlPlatform(const std::string& title, int width, int height);
+  // Opens the window (SDL's video must be initialised) with its context, width x height in SDL's
+  // window units. scale: device pixels per logical pixel; 0 takes it from the display. Check ok()
+  // after: a system without a display, or without OpenGL 3.3, gives a platform that is not ok, and
+  // error() says why.
+  SdlPlatform(const std::string& title, int width, int height, float scale = 0);
   ~SdlPlatform() override;
   SdlPlatform(const SdlPlatform&) = delete;
   SdlPlatform& operator=(const SdlPlatform&) = delete;
@@ -29,55 +33,52 @@ class SdlPlatform : public Platform {
   void setTitle(const std::string& title);
   void seedRandom(uint32_t seed) { random_.seed(seed); }
 
+  // Device pixels per logical pixel: the drawable's size against the window's where the system
+  // scales windows itself, else the display's DPI against 96, in quarter steps.
+  float scale() const;
   // Shows the last presented picture (the back colour before the first) and the status frame
   // again, as after an expose of the window.
   void repaint();
   bool presentedAny() const { return presentedAny_; }
-  // Window coordinates (as SDL reports the mouse) to drawable pixels.
-  void toDrawable(float& x, float& y) const;
+  // A point in window coordinates (as SDL reports the mouse) in twips of pic.
+  void toTwips(float x, float y, float& X, float& Y) const;
 
   int32_t timeGetTime() override;
   float Timer() override;
   float Rnd() override;
-  float TwipsPerPixelX() override { return kTwipsPerPixel; }
-  float TwipsPerPixelY() override { return kTwipsPerPixel; }
+  float TwipsPerPixelX() override;
+  float TwipsPerPixelY() override;
   ScreenMetrics screenMetrics() override;
   std::string AppPath() override;
   float controlWidth() override;
   float controlHeight() override;
   void MsgBox(const std::string& text) override;
   void Refresh(const Label& label) override;
+  Surface& surface() override { return *this; }
 
-  AdapterProfile adapterProfile() override;
   bool makeContextCurrent() override;
   void placePicture(int32_t widthPixels, int32_t heightPixels) override;
   void pictureSize(int32_t& widthPixels, int32_t& heightPixels) override;
   void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) override;
   Image windowImage() const override;
-  void attachControl(const int32_t* backColor, const Label* frame, const Label* status,
-                     const Label* progress) override;
-  void detachControl() override;
 
  private:
-  static constexpr float kTwipsPerPixel = 15;
   struct Gl;  // the GL objects that keep and show the window's picture
 
   void drawableSize(int& width, int& height) const;
+  float twipsPerPixel() const;
   int displayIndex() const;  // the display the window stands on
-  bool frameVisible() const;
-  void show();  // the kept picture and the status frame to the window, then swap
+  void show();               // the kept picture and the status frame to the window, then swap
 
   SDL_Window* window_ = nullptr;
   void* context_ = nullptr;  // SDL_GLContext
   std::string error_;
+  std::string title_;
+  float scale_ = 0;  // as asked; 0: the display's
   std::unique_ptr<Gl> gl_;
   std::mt19937 random_;
-  int32_t pictureWidth_ = 0, pictureHeight_ = 0;  // pic's client size in drawable pixels
+  int32_t pictureWidth_ = 0, pictureHeight_ = 0;  // pic's client size in device pixels
   bool presentedAny_ = false;
-  const int32_t* backColor_ = nullptr;
-  const Label* frame_ = nullptr;
-  const Label* status_ = nullptr;
-  const Label* progress_ = nullptr;
 };
 
 }  // namespace ostrel

@@ -2,7 +2,7 @@
 // window keeps the last presented picture in a texture of pic's size, so that an expose or a
 // refresh of the status frame can show it again without a new frame of the control.
 
-#include "SdlPlatform.h"
+#include "ostrel/sdl/SdlPlatform.h"
 
 #include <SDL.h>
 #include <epoxy/gl.h>
@@ -10,21 +10,22 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 
-#include "graphics/d3d8.h"
-#include "graphics/gl/GlReadback.h"
+#include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
-#include "platform/PlatformSources.h"
-#include "platform/ShippedAssets.h"
-#include "platform/StatusFramePainter.h"
 
 namespace ostrel {
 
 namespace {
 
-constexpr float kFallbackDpi = 96;
+constexpr float kLogicalDpi = 96;
+constexpr float kTwipsPerInch = 1440;
+constexpr float kMaxScale = 4;
 constexpr int32_t kDefaultBackColour = 0x404040;  // pic's own, until a control is attached
+
+int32_t backColourOf(const ctlBoard* control) {
+  return control ? control->BackColor() : kDefaultBackColour;
+}
 
 // The GL state that showing a picture touches, put back as it was: the device layer keeps a
 // cache of what it last set and is not told when a refresh paints between its calls.
@@ -92,8 +93,11 @@ struct SdlPlatform::Gl {
   TextureTarget overlay;  // the picture with the status frame painted over it
 };
 
-SdlPlatform::SdlPlatform(const std::string& title, int width, int height)
-    : gl_(std::make_unique<Gl>()), random_(std::random_device{}()) {
+SdlPlatform::SdlPlatform(const std::string& title, int width, int height, float scale)
+    : title_(title),
+      scale_(scale > 0 ? scale : 0),
+      gl_(std::make_unique<Gl>()),
+      random_(std::random_device{}()) {
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_CORE);
@@ -132,7 +136,7 @@ SdlPlatform::SdlPlatform(const std::string& title, int width, int height)
 
 SdlPlatform::~SdlPlatform() {
   // GL objects still held by meshes or devices die with the context, not after it.
-  graphics::platformContextGoing(*this);
+  releaseGraphics(*this);
   if (context_) {
     if (makeContextCurrent()) {
       gl_->kept.drop();
@@ -161,13 +165,41 @@ void SdlPlatform::drawableSize(int& width, int& height) const {
   if (window_) SDL_GL_GetDrawableSize(window_, &width, &height);
 }
 
-void SdlPlatform::toDrawable(float& x, float& y) const {
+float SdlPlatform::scale() const {
+  if (scale_ > 0) return scale_;
   int ww = 0, wh = 0, dw = 0, dh = 0;
-  if (!window_) return;
-  SDL_GetWindowSize(window_, &ww, &wh);
+  if (window_) SDL_GetWindowSize(window_, &ww, &wh);
   drawableSize(dw, dh);
+  // Where the system scales windows itself, the drawable is larger than the window.
+  if (ww > 0 && dw > ww) return static_cast<float>(dw) / static_cast<float>(ww);
+  float dpi = 0;
+  if (SDL_GetDisplayDPI(displayIndex(), nullptr, &dpi, nullptr) != 0 || !(dpi > 0)) return 1;
+  // Monitors report their physical DPI: 92 or 108 is an unscaled display, 144 and 192 are not.
+  return std::clamp(std::round(dpi / kLogicalDpi * 4) / 4, 1.0f, kMaxScale);
+}
+
+float SdlPlatform::twipsPerPixel() const {
+  return kTwipsPerInch / (kLogicalDpi * scale());
+}
+
+float SdlPlatform::TwipsPerPixelX() {
+  return twipsPerPixel();
+}
+
+float SdlPlatform::TwipsPerPixelY() {
+  return twipsPerPixel();
+}
+
+void SdlPlatform::toTwips(float x, float y, float& X, float& Y) const {
+  int ww = 0, wh = 0, dw = 0, dh = 0;
+  if (window_) SDL_GetWindowSize(window_, &ww, &wh);
+  drawableSize(dw, dh);
+  // Window units to device pixels, then to twips.
   if (ww > 0) x = x * static_cast<float>(dw) / static_cast<float>(ww);
   if (wh > 0) y = y * static_cast<float>(dh) / static_cast<float>(wh);
+  const float twips = twipsPerPixel();
+  X = x * twips;
+  Y = y * twips;
 }
 
 int32_t SdlPlatform::timeGetTime() {
@@ -189,7 +221,7 @@ ScreenMetrics SdlPlatform::screenMetrics() {
   SDL_GetDisplayBounds(display, &bounds);
   float hdpi = 0, vdpi = 0;
   if (SDL_GetDisplayDPI(display, nullptr, &hdpi, &vdpi) != 0 || !(hdpi > 0) || !(vdpi > 0)) {
-    hdpi = vdpi = kFallbackDpi;
+    hdpi = vdpi = kLogicalDpi;
   }
   auto mm = [](int pixels, float dpi) {
     return static_cast<int32_t>(std::lround(static_cast<float>(pixels) * 25.4f / dpi));
@@ -204,18 +236,18 @@ std::string SdlPlatform::AppPath() {
 float SdlPlatform::controlWidth() {
   int w = 0, h = 0;
   drawableSize(w, h);
-  return static_cast<float>(w) * kTwipsPerPixel;
+  return static_cast<float>(w) * twipsPerPixel();
 }
 
 float SdlPlatform::controlHeight() {
   int w = 0, h = 0;
   drawableSize(w, h);
-  return static_cast<float>(h) * kTwipsPerPixel;
+  return static_cast<float>(h) * twipsPerPixel();
 }
 
 void SdlPlatform::MsgBox(const std::string& text) {
-  std::fprintf(stderr, "ostrel-demo: %s\n", text.c_str());
-  SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "ostrel-demo", text.c_str(), window_);
+  std::fprintf(stderr, "%s: %s\n", title_.c_str(), text.c_str());
+  SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, title_.c_str(), text.c_str(), window_);
 }
 
 // The status frame reaches the window now: the loading of the models holds the thread, so no
@@ -226,18 +258,6 @@ void SdlPlatform::Refresh(const Label&) {
 
 void SdlPlatform::repaint() {
   show();
-}
-
-AdapterProfile SdlPlatform::adapterProfile() {
-  AdapterProfile profile;
-  SDL_DisplayMode mode{};
-  const int display = displayIndex();
-  if (SDL_GetCurrentDisplayMode(display, &mode) == 0 && mode.w > 0 && mode.h > 0) {
-    profile.displayWidth = mode.w;
-    profile.displayHeight = mode.h;
-    if (mode.refresh_rate > 0) profile.refreshRate = mode.refresh_rate;
-  }
-  return profile;
 }
 
 bool SdlPlatform::makeContextCurrent() {
@@ -271,10 +291,6 @@ void SdlPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, int32_
   show();
 }
 
-bool SdlPlatform::frameVisible() const {
-  return frame_ && frame_->Visible;
-}
-
 void SdlPlatform::show() {
   if (!makeContextCurrent()) return;
   int dw = 0, dh = 0;
@@ -282,7 +298,7 @@ void SdlPlatform::show() {
   {
     KeepGlState keep;
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-    if (frameVisible()) {
+    if (attachedControl() && attachedControl()->label1().Visible) {
       // The frame is painted over a copy of the picture, top row first: the blit turns it over.
       Image image = windowImage();
       if (image.width > 0 && image.height > 0) {
@@ -300,7 +316,7 @@ void SdlPlatform::show() {
       glBlitFramebuffer(0, 0, gl_->kept.width, gl_->kept.height, 0, 0, dw, dh, GL_COLOR_BUFFER_BIT,
                         GL_LINEAR);
     } else {
-      const int32_t colour = backColor_ ? *backColor_ : kDefaultBackColour;
+      const int32_t colour = backColourOf(attachedControl());
       glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
       glClearColor((colour & 0xFF) / 255.0f, ((colour >> 8) & 0xFF) / 255.0f,
                    ((colour >> 16) & 0xFF) / 255.0f, 1.0f);
@@ -316,42 +332,12 @@ Image SdlPlatform::windowImage() const {
   if (presentedAny_ && gl_->kept.texture && ok() &&
       (SDL_GL_GetCurrentContext() == context_ || SDL_GL_MakeCurrent(window_, context_) == 0)) {
     KeepGlState keep;
-    std::vector<uint8_t> bottomUp;
-    const int w = gl_->kept.width, h = gl_->kept.height;
-    if (graphics::gl::readFramebufferBottomUp(gl_->kept.framebuffer, w, h, bottomUp)) {
-      image.width = w;
-      image.height = h;
-      image.rgba.resize(bottomUp.size());
-      const size_t row = static_cast<size_t>(w) * 4;
-      for (int y = 0; y < h; ++y) {
-        std::memcpy(image.rgba.data() + static_cast<size_t>(y) * row,
-                    bottomUp.data() + static_cast<size_t>(h - 1 - y) * row, row);
-      }
-      for (size_t i = 3; i < image.rgba.size(); i += 4) image.rgba[i] = 255;
-      read = true;
-    }
+    read = readFramebuffer(gl_->kept.framebuffer, gl_->kept.width, gl_->kept.height, image);
   }
-  if (!read) {
-    // Until the first Present the window shows the control's back colour.
-    image =
-        solidImage(pictureWidth_, pictureHeight_, backColor_ ? *backColor_ : kDefaultBackColour);
-  }
-  if (frame_ && status_ && progress_) {
-    paintStatusFrame(image, *frame_, *status_, *progress_, kTwipsPerPixel, kTwipsPerPixel);
-  }
+  // Until the first Present the window shows the control's back colour.
+  if (!read) image = solidImage(pictureWidth_, pictureHeight_, backColourOf(attachedControl()));
+  paintStatusFrame(image, attachedControl(), twipsPerPixel(), twipsPerPixel());
   return image;
-}
-
-void SdlPlatform::attachControl(const int32_t* backColor, const Label* frame, const Label* status,
-                                const Label* progress) {
-  backColor_ = backColor;
-  frame_ = frame;
-  status_ = status;
-  progress_ = progress;
-}
-
-void SdlPlatform::detachControl() {
-  attachControl(nullptr, nullptr, nullptr, nullptr);
 }
 
 }  // namespace ostrel

@@ -2,29 +2,17 @@
 // window shows agrees with the headless platform's picture of the same board, the status frame
 // lies over it, a new window size reaches pic, and SDL's input comes to the control in its terms.
 
-#include <SDL.h>
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
 #include <cstdlib>
 
-#include "SdlPlatform.h"
-#include "WindowHost.h"
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
+#include "ostrel/sdl/SdlEvents.h"
+#include "ostrel/sdl/SdlPlatform.h"
+#include "sdl/SdlTestWindow.h"
 
 namespace {
 
-class SdlWindow : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    setenv("SDL_VIDEODRIVER", "offscreen", 1);
-    videoReady_ = SDL_Init(SDL_INIT_VIDEO) == 0;
-  }
-  static void TearDownTestSuite() { SDL_Quit(); }
-  static bool videoReady_;
-};
-bool SdlWindow::videoReady_ = false;
+using SdlWindow = ostrel::testing::SdlVideo;
 
 // Mean difference per channel of two pictures of one size.
 double meanDifference(const ostrel::Image& a, const ostrel::Image& b) {
@@ -67,7 +55,7 @@ TEST_F(SdlWindow, ShowsWhatTheHeadlessPlatformShowsWithTheStatusFrameAndFollowsI
   // First: SDL takes its context for the current one until it makes another current itself.
   const Reference reference = referencePictures();
   ASSERT_EQ(reference.shown.width, 200);
-  ostrel::SdlPlatform window("test", 200, 150);
+  ostrel::SdlPlatform window("test", 200, 150, 1);
   ASSERT_TRUE(window.ok()) << window.error();
   EXPECT_FLOAT_EQ(window.controlWidth(), 200 * 15.0f);
   EXPECT_FLOAT_EQ(window.controlHeight(), 150 * 15.0f);
@@ -110,20 +98,21 @@ TEST_F(SdlWindow, ShowsWhatTheHeadlessPlatformShowsWithTheStatusFrameAndFollowsI
 }
 
 TEST(SdlInput, ReachesTheControlInItsOwnTerms) {
-  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_LEFT), 1);
-  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_RIGHT), 2);
-  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_MIDDLE), 4);
-  EXPECT_EQ(demo::pressedButton(SDL_BUTTON_X1), 0);
-  EXPECT_EQ(demo::heldButtons(SDL_BUTTON_LMASK | SDL_BUTTON_RMASK | SDL_BUTTON_MMASK), 7);
-  EXPECT_EQ(demo::heldButtons(SDL_BUTTON_RMASK), 2);
-  EXPECT_EQ(demo::shiftMask(KMOD_RSHIFT | KMOD_LALT), 5);
-  EXPECT_EQ(demo::shiftMask(KMOD_LCTRL | KMOD_NUM), 2);
+  EXPECT_EQ(ostrel::sdlPressedButton(SDL_BUTTON_LEFT), 1);
+  EXPECT_EQ(ostrel::sdlPressedButton(SDL_BUTTON_RIGHT), 2);
+  EXPECT_EQ(ostrel::sdlPressedButton(SDL_BUTTON_MIDDLE), 4);
+  EXPECT_EQ(ostrel::sdlPressedButton(SDL_BUTTON_X1), 0);
+  EXPECT_EQ(ostrel::sdlHeldButtons(SDL_BUTTON_LMASK | SDL_BUTTON_RMASK | SDL_BUTTON_MMASK), 7);
+  EXPECT_EQ(ostrel::sdlHeldButtons(SDL_BUTTON_RMASK), 2);
+  EXPECT_EQ(ostrel::sdlShiftMask(KMOD_RSHIFT | KMOD_LALT), 5);
+  EXPECT_EQ(ostrel::sdlShiftMask(KMOD_LCTRL | KMOD_NUM), 2);
 
   const std::pair<SDL_Keycode, int16_t> keys[] = {
       {SDLK_ESCAPE, 27}, {SDLK_LEFT, 37},   {SDLK_UP, 38},     {SDLK_RIGHT, 39}, {SDLK_DOWN, 40},
       {SDLK_a, 65},      {SDLK_n, 78},      {SDLK_z, 90},      {SDLK_0, 48},     {SDLK_9, 57},
       {SDLK_F1, 112},    {SDLK_RETURN, 13}, {SDLK_CAPSLOCK, 0}};
-  for (auto [key, code] : keys) EXPECT_EQ(demo::virtualKeyCode(key), code) << SDL_GetKeyName(key);
+  for (auto [key, code] : keys)
+    EXPECT_EQ(ostrel::sdlVirtualKeyCode(key), code) << SDL_GetKeyName(key);
 }
 
 }  // namespace
