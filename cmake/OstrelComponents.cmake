@@ -33,6 +33,8 @@ function(ostrel_pkg_config file description library)
   set(OSTREL_PC_DESCRIPTION "${description}")
   set(OSTREL_PC_LIBRARY "${library}")
   set(OSTREL_PC_REQUIRES "${arg_REQUIRES}")
+  # The prefix is found from the file's own place, so that the installed tree can move.
+  file(RELATIVE_PATH OSTREL_PC_UP "/p/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/p")
   configure_file(${PROJECT_SOURCE_DIR}/cmake/ostrel.pc.in ${PROJECT_BINARY_DIR}/pkgconfig/${file}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/pkgconfig/${file}.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
