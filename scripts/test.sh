@@ -33,7 +33,7 @@ if [ -f "$pc_dir/ostrel-sdl.pc" ]; then
   rm -rf build/consumer-sdl
   cmake -S tests/consumer-sdl -B build/consumer-sdl -G Ninja -DCMAKE_PREFIX_PATH="$root/build/stage"
   cmake --build build/consumer-sdl
-  (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl)
+  (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl && "${xvfb[@]}" ./minimal-platform)
   c++ tests/consumer-sdl/main.cpp $(pkg-config --cflags --libs ostrel-sdl x11) \
     -o build/consumer-sdl/consumer-sdl-pc
   (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl-pc)
