@@ -12,6 +12,7 @@
 #include <cstdio>
 
 #include "ostrel/PlatformSupport.h"
+#include "ostrel/WindowPicture.h"
 #include "ostrel/ctlBoard.h"
 
 namespace ostrel {
@@ -21,82 +22,13 @@ namespace {
 constexpr float kLogicalDpi = 96;
 constexpr float kTwipsPerInch = 1440;
 constexpr float kMaxScale = 4;
-constexpr int32_t kDefaultBackColour = 0x404040;  // pic's own, until a control is attached
-
-int32_t backColourOf(const ctlBoard* control) {
-  return control ? control->BackColor() : kDefaultBackColour;
-}
-
-// The GL state that showing a picture touches, put back as it was: the device layer keeps a
-// cache of what it last set and is not told when a refresh paints between its calls.
-class KeepGlState {
- public:
-  KeepGlState() {
-    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &draw_);
-    glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &read_);
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &texture_);
-    glGetIntegerv(GL_UNPACK_ALIGNMENT, &unpack_);
-    glGetIntegerv(GL_PACK_ALIGNMENT, &pack_);
-    glGetBooleanv(GL_COLOR_WRITEMASK, mask_);
-    scissor_ = glIsEnabled(GL_SCISSOR_TEST);
-    glDisable(GL_SCISSOR_TEST);
-  }
-  ~KeepGlState() {
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(draw_));
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(read_));
-    glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(texture_));
-    glPixelStorei(GL_UNPACK_ALIGNMENT, unpack_);
-    glPixelStorei(GL_PACK_ALIGNMENT, pack_);
-    glColorMask(mask_[0], mask_[1], mask_[2], mask_[3]);
-    if (scissor_) glEnable(GL_SCISSOR_TEST);
-  }
-  KeepGlState(const KeepGlState&) = delete;
-  KeepGlState& operator=(const KeepGlState&) = delete;
-
- private:
-  GLint draw_ = 0, read_ = 0, texture_ = 0, unpack_ = 4, pack_ = 4;
-  GLboolean mask_[4] = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
-  GLboolean scissor_ = GL_FALSE;
-};
 
 }  // namespace
-
-// A texture with a framebuffer around it, resized on demand.
-struct TextureTarget {
-  GLuint texture = 0, framebuffer = 0;
-  int width = 0, height = 0;
-
-  void fit(int w, int h) {
-    if (texture && w == width && h == height) return;
-    if (!texture) {
-      glGenTextures(1, &texture);
-      glGenFramebuffers(1, &framebuffer);
-    }
-    width = w;
-    height = h;
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, w, h, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-  }
-  void drop() {
-    glDeleteFramebuffers(1, &framebuffer);
-    glDeleteTextures(1, &texture);
-    texture = framebuffer = 0;
-  }
-};
-
-struct SdlPlatform::Gl {
-  TextureTarget kept;     // the last presented picture, pic-sized, bottom row first
-  TextureTarget overlay;  // the picture with the status frame painted over it
-};
 
 SdlPlatform::SdlPlatform(const std::string& title, int width, int height, float scale)
     : title_(title),
       scale_(scale > 0 ? scale : 0),
-      gl_(std::make_unique<Gl>()),
+      picture_(std::make_unique<WindowPicture>()),
       random_(std::random_device{}()) {
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 3);
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 3);
@@ -138,10 +70,7 @@ SdlPlatform::~SdlPlatform() {
   // GL objects still held by meshes or devices die with the context, not after it.
   releaseGraphics(*this);
   if (context_) {
-    if (makeContextCurrent()) {
-      gl_->kept.drop();
-      gl_->overlay.drop();
-    }
+    if (makeContextCurrent()) picture_->release();
     SDL_GL_MakeCurrent(window_, nullptr);
     SDL_GL_DeleteContext(context_);
   }
@@ -277,67 +206,30 @@ void SdlPlatform::pictureSize(int32_t& widthPixels, int32_t& heightPixels) {
 }
 
 void SdlPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) {
-  if (!makeContextCurrent() || width <= 0 || height <= 0) return;
-  {
-    KeepGlState keep;
-    // Kept at pic's size, so that what the window shows is what windowImage reads.
-    gl_->kept.fit(std::max(pictureWidth_, 1), std::max(pictureHeight_, 1));
-    glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffer);
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, gl_->kept.framebuffer);
-    glBlitFramebuffer(0, 0, width, height, 0, 0, gl_->kept.width, gl_->kept.height,
-                      GL_COLOR_BUFFER_BIT, GL_LINEAR);
-  }
-  presentedAny_ = true;
+  if (!makeContextCurrent()) return;
+  picture_->keep(framebuffer, width, height, pictureWidth_, pictureHeight_);
   show();
+}
+
+bool SdlPlatform::presentedAny() const {
+  return picture_->presentedAny();
 }
 
 void SdlPlatform::show() {
   if (!makeContextCurrent()) return;
   int dw = 0, dh = 0;
   drawableSize(dw, dh);
-  {
-    KeepGlState keep;
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
-    if (attachedControl() && attachedControl()->label1().Visible) {
-      // The frame is painted over a copy of the picture, top row first: the blit turns it over.
-      Image image = windowImage();
-      if (image.width > 0 && image.height > 0) {
-        gl_->overlay.fit(image.width, image.height);
-        glBindTexture(GL_TEXTURE_2D, gl_->overlay.texture);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, image.width, image.height, GL_RGBA,
-                        GL_UNSIGNED_BYTE, image.rgba.data());
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, gl_->overlay.framebuffer);
-        glBlitFramebuffer(0, 0, image.width, image.height, 0, dh, dw, 0, GL_COLOR_BUFFER_BIT,
-                          GL_LINEAR);
-      }
-    } else if (presentedAny_ && gl_->kept.texture) {
-      glBindFramebuffer(GL_READ_FRAMEBUFFER, gl_->kept.framebuffer);
-      glBlitFramebuffer(0, 0, gl_->kept.width, gl_->kept.height, 0, 0, dw, dh, GL_COLOR_BUFFER_BIT,
-                        GL_LINEAR);
-    } else {
-      const int32_t colour = backColourOf(attachedControl());
-      glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-      glClearColor((colour & 0xFF) / 255.0f, ((colour >> 8) & 0xFF) / 255.0f,
-                   ((colour >> 16) & 0xFF) / 255.0f, 1.0f);
-      glClear(GL_COLOR_BUFFER_BIT);
-    }
-  }
+  picture_->draw(0, dw, dh, attachedControl(), twipsPerPixel(), twipsPerPixel());
   SDL_GL_SwapWindow(window_);
 }
 
 Image SdlPlatform::windowImage() const {
-  Image image;
-  bool read = false;
-  if (presentedAny_ && gl_->kept.texture && ok() &&
+  if (ok() &&
       (SDL_GL_GetCurrentContext() == context_ || SDL_GL_MakeCurrent(window_, context_) == 0)) {
-    KeepGlState keep;
-    read = readFramebuffer(gl_->kept.framebuffer, gl_->kept.width, gl_->kept.height, image);
+    return picture_->image(pictureWidth_, pictureHeight_, attachedControl(), twipsPerPixel(),
+                           twipsPerPixel());
   }
-  // Until the first Present the window shows the control's back colour.
-  if (!read) image = solidImage(pictureWidth_, pictureHeight_, backColourOf(attachedControl()));
-  paintStatusFrame(image, attachedControl(), twipsPerPixel(), twipsPerPixel());
-  return image;
+  return solidImage(pictureWidth_, pictureHeight_, WindowPicture::kDefaultBackColour);
 }
 
 }  // namespace ostrel

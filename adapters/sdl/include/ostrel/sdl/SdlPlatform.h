@@ -15,6 +15,8 @@ struct SDL_Window;
 
 namespace ostrel {
 
+class WindowPicture;
+
 class SdlPlatform : public Platform, public Surface {
  public:
   // Opens the window (SDL's video must be initialised) with its context, width x height in SDL's
@@ -39,7 +41,7 @@ class SdlPlatform : public Platform, public Surface {
   // Shows the last presented picture (the back colour before the first) and the status frame
   // again, as after an expose of the window.
   void repaint();
-  bool presentedAny() const { return presentedAny_; }
+  bool presentedAny() const;
   // A point in window coordinates (as SDL reports the mouse) in twips of pic.
   void toTwips(float x, float y, float& X, float& Y) const;
 
@@ -63,8 +65,6 @@ class SdlPlatform : public Platform, public Surface {
   Image windowImage() const override;
 
  private:
-  struct Gl;  // the GL objects that keep and show the window's picture
-
   void drawableSize(int& width, int& height) const;
   float twipsPerPixel() const;
   int displayIndex() const;  // the display the window stands on
@@ -75,10 +75,9 @@ class SdlPlatform : public Platform, public Surface {
   std::string error_;
   std::string title_;
   float scale_ = 0;  // as asked; 0: the display's
-  std::unique_ptr<Gl> gl_;
+  std::unique_ptr<WindowPicture> picture_;
   std::mt19937 random_;
   int32_t pictureWidth_ = 0, pictureHeight_ = 0;  // pic's client size in device pixels
-  bool presentedAny_ = false;
 };
 
 }  // namespace ostrel
