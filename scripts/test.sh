@@ -40,6 +40,19 @@ if [ -f "$pc_dir/ostrel-sdl.pc" ]; then
 else
   echo "-- consumer-sdl skipped: the component sdl was not built"
 fi
+if [ -f "$pc_dir/ostrel-qt.pc" ]; then
+  rm -rf build/consumer-qt
+  cmake -S tests/consumer-qt -B build/consumer-qt -G Ninja -DCMAKE_PREFIX_PATH="$root/build/stage"
+  cmake --build build/consumer-qt
+  (cd build/consumer-qt && "${xvfb[@]}" ./consumer-qt)
+  # The same at display scale 2: the picture at device pixels, the drag where the hand goes.
+  (cd build/consumer-qt && QT_SCALE_FACTOR=2 xvfb-run -a -s "-screen 0 1600x1200x24" ./consumer-qt)
+  c++ tests/consumer-qt/main.cpp $(pkg-config --cflags --libs ostrel-qt Qt6Test) \
+    -o build/consumer-qt/consumer-qt-pc
+  (cd build/consumer-qt && "${xvfb[@]}" ./consumer-qt-pc)
+else
+  echo "-- consumer-qt skipped: the component qt was not built"
+fi
 
 echo "== sanitizers (address, undefined)"
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOSTREL_SANITIZE=ON \
