@@ -1,6 +1,7 @@
 # Optional package components. Each is a library target installed with an export set of its own
-# and a file that finds what it depends on; find_package(ostrel COMPONENTS <name>) loads it, and
-# gives ostrel::<name>. A component whose toolkit is missing is not built and not installed, so
+# (ostrel-<name>-targets.cmake) and a file that finds what it depends on
+# (ostrel-<name>-dependencies.cmake); find_package(ostrel COMPONENTS <name>) loads both, and gives
+# ostrel::<name>. A component whose toolkit is missing is not built and not installed, so
 # asking for it fails in the consumer's find_package with a clear message.
 #
 #   ostrel_component(<name> <target> [DEPENDENCIES "find_dependency(...)" ...])
@@ -15,14 +16,15 @@ function(ostrel_component name target)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(EXPORT ostrel-${name}-targets NAMESPACE ostrel::
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ostrel)
-  set(body "include(CMakeFindDependencyMacro)\n")
-  foreach(line IN LISTS arg_DEPENDENCIES)
-    string(APPEND body "${line}\n")
-  endforeach()
-  string(APPEND body "include(\"\${CMAKE_CURRENT_LIST_DIR}/ostrel-${name}-targets.cmake\")\n")
-  file(WRITE ${PROJECT_BINARY_DIR}/ostrel-${name}.cmake "${body}")
-  install(FILES ${PROJECT_BINARY_DIR}/ostrel-${name}.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ostrel)
+  if(arg_DEPENDENCIES)
+    set(body "include(CMakeFindDependencyMacro)\n")
+    foreach(line IN LISTS arg_DEPENDENCIES)
+      string(APPEND body "${line}\n")
+    endforeach()
+    file(WRITE ${PROJECT_BINARY_DIR}/ostrel-${name}-dependencies.cmake "${body}")
+    install(FILES ${PROJECT_BINARY_DIR}/ostrel-${name}-dependencies.cmake
+      DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/ostrel)
+  endif()
   set_property(GLOBAL APPEND PROPERTY OSTREL_COMPONENTS ${name})
 endfunction()
 
