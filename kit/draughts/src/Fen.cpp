@@ -34,7 +34,8 @@ class FenReader {
         return fail(error, "a list of pieces begins with W or B");
       }
       const bool white = text_[at_] == 'W';
-      if (seen[white ? 0 : 1]) return fail(error, std::string("the ") + (white ? "white" : "black") + " list comes twice");
+      if (seen[white ? 0 : 1])
+        return fail(error, std::string("the ") + (white ? "white" : "black") + " list comes twice");
       seen[white ? 0 : 1] = true;
       ++at_;
       if (!readList(position, white, error)) return std::nullopt;

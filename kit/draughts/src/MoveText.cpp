@@ -139,9 +139,8 @@ std::string moveText(const Move& move, std::span<const Move> legal) {
   // Only the moves' own routes are compared here: a host's list is all this function sees.
   const std::vector<uint8_t> route(move.route().begin(), move.route().end());
   const std::vector<int> stops(route.begin(), route.end());
-  const size_t fitting = std::count_if(legal.begin(), legal.end(), [&](const Move& m) {
-    return fitsRoute(stops, m.route());
-  });
+  const size_t fitting = std::count_if(legal.begin(), legal.end(),
+                                       [&](const Move& m) { return fitsRoute(stops, m.route()); });
   if (fitting <= 1) return pathText(move);
   return pathText(move) + " (" + joined(sortedTaken(move), ',') + ")";
 }

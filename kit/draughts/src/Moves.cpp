@@ -134,7 +134,8 @@ void quietMoves(const Position& position, std::vector<Move>& out) {
     for (int d = 0; d < kDirections; ++d) {
       const bool forward = side == Side::White ? kRowStep[d] < 0 : kRowStep[d] > 0;
       if (!isKing(piece) && !forward) continue;
-      const int reach = isKing(piece) ? kRays.length[from][d] : std::min<int>(1, kRays.length[from][d]);
+      const int reach =
+          isKing(piece) ? kRays.length[from][d] : std::min<int>(1, kRays.length[from][d]);
       for (int i = 0; i < reach; ++i) {
         const int to = kRays.slot[from][d][i];
         if (position.squares[to] != Empty) break;

@@ -51,7 +51,8 @@ class GameReader {
     if (token.text == "FEN") {
       TextError error;
       if (!readFen(token.value, game_.start, error)) {
-        fail(token.valueLine, token.valueColumn + error.column - 1, "the FEN tag: " + error.message);
+        fail(token.valueLine, token.valueColumn + error.column - 1,
+             "the FEN tag: " + error.message);
       }
       position_ = game_.start;
     } else if (token.text == "GameType") {
@@ -97,9 +98,9 @@ class GameReader {
     if (game_.error) return;
     legalMoves(position_, legal_);
     if (legal_.empty()) {
-      fail(token.line, token.column, "\"" + token.text + "\" comes after the end of the game: " +
-                                         (position_.toMove == Side::White ? "white" : "black") +
-                                         " has no move");
+      fail(token.line, token.column,
+           "\"" + token.text + "\" comes after the end of the game: " +
+               (position_.toMove == Side::White ? "white" : "black") + " has no move");
       return;
     }
     const MoveMatch match = matchMove(position_, legal_, token.text);

@@ -13,10 +13,14 @@ size_t utf8Length(std::string_view text, size_t at) {
   const unsigned char lead = byte(at);
   size_t length = 0;
   if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) length = 2;
-  else if (lead >= 0xE0 && lead <= 0xEF) length = 3;
-  else if (lead >= 0xF0 && lead <= 0xF4) length = 4;
-  else return 0;
+  if (lead >= 0xC2 && lead <= 0xDF)
+    length = 2;
+  else if (lead >= 0xE0 && lead <= 0xEF)
+    length = 3;
+  else if (lead >= 0xF0 && lead <= 0xF4)
+    length = 4;
+  else
+    return 0;
   if (at + length > text.size()) return 0;
   for (size_t i = 1; i < length; ++i) {
     if ((byte(at + i) & 0xC0) != 0x80) return 0;
@@ -47,7 +51,7 @@ std::string trimmed(std::string_view text) {
 }
 
 constexpr std::array<std::string_view, 7> kResults = {"1/2-1/2", "2-0", "0-2", "1-1",
-                                                        "1-0",     "0-1", "*"};
+                                                      "1-0",     "0-1", "*"};
 
 }  // namespace
 
@@ -122,15 +126,24 @@ PdnToken PdnScanner::bad(PdnToken token, std::string why) {
   return token;
 }
 
-void PdnScanner::skipToNextTagLine() {
-  while (at_ < text_.size()) {
-    advance();
-    if (at_ == lineStart_) {
-      size_t i = at_;
-      while (i < text_.size() && isBlank(text_[i])) ++i;
-      if (i < text_.size() && text_[i] == '[') return;
-    }
+size_t PdnScanner::nextTagLine(size_t from, size_t until) const {
+  for (size_t at = text_.find('\n', from); at != std::string_view::npos && at < until;
+       at = text_.find('\n', at + 1)) {
+    size_t i = at + 1;
+    while (i < text_.size() && isBlank(text_[i])) ++i;
+    if (i >= text_.size() || text_[i] != '[') continue;
+    ++i;
+    const size_t name = i;
+    while (i < text_.size() && std::isalnum(static_cast<unsigned char>(text_[i]))) ++i;
+    while (i < text_.size() && isBlank(text_[i])) ++i;
+    if (i > name && i < text_.size() && text_[i] == '"') return at + 1;
   }
+  return std::string_view::npos;
+}
+
+void PdnScanner::skipToNextTagLine() {
+  const size_t target = nextTagLine(at_, std::string_view::npos);
+  advance((target == std::string_view::npos ? text_.size() : target) - at_);
 }
 
 PdnToken PdnScanner::next() {
@@ -220,7 +233,8 @@ PdnToken PdnScanner::braceComment() {
   PdnToken token = start(PdnToken::Comment);
   const size_t begin = at_ + 1;
   const size_t end = text_.find('}', begin);
-  if (end == std::string_view::npos) {
+  // A comment left open runs into the next game's tags at the latest.
+  if (end == std::string_view::npos || nextTagLine(begin, end) != std::string_view::npos) {
     skipToNextTagLine();
     return bad(token, "the comment has no closing \"}\"");
   }
@@ -246,10 +260,11 @@ PdnToken PdnScanner::variation() {
     const char c = peek();
     if (c == '{') {
       const size_t end = text_.find('}', at_);
-      if (end == std::string_view::npos) break;
+      if (end == std::string_view::npos || nextTagLine(at_, end) != std::string_view::npos) break;
       advance(end + 1 - at_);
       continue;
     }
+    if (c == '\n' && nextTagLine(at_, at_ + 1) != std::string_view::npos) break;
     advance();
     if (c == '(') ++depth;
     if (c == ')' && --depth == 0) {
@@ -257,7 +272,6 @@ PdnToken PdnScanner::variation() {
       return token;
     }
   }
-  at_ = begin;
   skipToNextTagLine();
   return bad(token, "the variation has no closing \")\"");
 }
@@ -296,7 +310,8 @@ PdnToken PdnScanner::numberOrMove() {
   token.kind = PdnToken::Move;
   if (!isBoundary(peek())) {
     while (!isBoundary(peek())) advance();
-    return bad(token, "\"" + std::string(text_.substr(begin, at_ - begin)) + "\" is not understood");
+    return bad(token,
+               "\"" + std::string(text_.substr(begin, at_ - begin)) + "\" is not understood");
   }
   return token;
 }

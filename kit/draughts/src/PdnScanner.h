@@ -27,13 +27,18 @@ class PdnScanner {
   PdnToken next();
 
  private:
-  char peek(size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
+  char peek(size_t ahead = 0) const {
+    return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0';
+  }
   void advance(size_t count = 1);
   void skipSpace();  // blanks, line ends, and "%" escape lines
   bool atLineStart() const;
   PdnToken start(PdnToken::Kind kind) const;
   PdnToken bad(PdnToken token, std::string why);
   void skipToNextTagLine();
+  // The start of the first line after `from` that begins with a tag, or npos; only line ends
+  // before `until` count.
+  size_t nextTagLine(size_t from, size_t until) const;
 
   PdnToken tag();
   PdnToken braceComment();

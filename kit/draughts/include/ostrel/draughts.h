@@ -38,7 +38,7 @@ struct Position {
 // same pieces from the same source to the same destination are one move; its route is one of
 // them.
 struct Move {
-  static constexpr int kMaxTaken = 20;  // the other side has no more pieces
+  static constexpr int kMaxTaken = 20;         // the other side has no more pieces
   std::array<uint8_t, kMaxTaken + 1> stops{};  // source, every landing field, destination
   std::array<uint8_t, kMaxTaken> taken{};      // fields of the taken pieces, in the order jumped
   uint8_t stopCount = 0;
@@ -122,13 +122,13 @@ struct PdnTag {
 };
 
 struct PdnMove {
-  Move move;             // the legal move it names
-  std::string written;   // as it stands in the file
-  std::string text;      // moveText of the move
-  int line = 0;          // where it stands
+  Move move;            // the legal move it names
+  std::string written;  // as it stands in the file
+  std::string text;     // moveText of the move
+  int line = 0;         // where it stands
   int column = 0;
-  std::string marks;     // "!", "?", "!?" ... and numeric annotations "$1", space separated
-  std::string comment;   // the comments that follow it, joined by a blank
+  std::string marks;    // "!", "?", "!?" ... and numeric annotations "$1", space separated
+  std::string comment;  // the comments that follow it, joined by a blank
   std::vector<std::string> variations;  // the variations that follow it, as written, unplayed
 };
 
@@ -136,10 +136,10 @@ struct PdnGame {
   int number = 0;  // counted from 1 in the file
   int line = 0;    // where the game begins
   std::vector<PdnTag> tags;
-  Position start;             // the [FEN] tag's position, or the start position
-  std::vector<PdnMove> moves;  // the moves read and matched, up to the first error
-  std::string result;          // the result token, else the Result tag, else ""
-  std::string comment;         // comments before the first move
+  Position start;                  // the [FEN] tag's position, or the start position
+  std::vector<PdnMove> moves;      // the moves read and matched, up to the first error
+  std::string result;              // the result token, else the Result tag, else ""
+  std::string comment;             // comments before the first move
   std::optional<TextError> error;  // the first move not legal or not understood, if any
 
   // The value of a tag by name (case-sensitive), "" when absent.
