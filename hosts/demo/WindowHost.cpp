@@ -5,17 +5,11 @@
 #include <string>
 
 #include "DemoGame.h"
+#include "GamePace.h"
 #include "ostrel/ctlBoard.h"
 #include "ostrel/sdl/SdlEvents.h"
 
 namespace demo {
-
-namespace {
-
-constexpr uint32_t kOpeningMs = 2000;       // the build-up's length
-constexpr uint32_t kOnlyMovePauseMs = 900;  // how long the user sees an only move before it goes
-
-}  // namespace
 
 int runWindow(ostrel::SdlPlatform& platform, uint32_t seed, const Review* review) {
   ostrel::ctlBoard board(platform);
@@ -32,8 +26,8 @@ int runWindow(ostrel::SdlPlatform& platform, uint32_t seed, const Review* review
   } else {
     game.start();
   }
-  uint32_t openingStart = SDL_GetTicks();
-  uint32_t onlyMoveDue = 0;
+  GamePace pace(game);
+  pace.restart(SDL_GetTicks());
   std::string title;
   ostrel::SdlControlDriver driver(platform, board);
 
@@ -53,41 +47,11 @@ int runWindow(ostrel::SdlPlatform& platform, uint32_t seed, const Review* review
     driver.tick();
     const uint32_t now = SDL_GetTicks();
 
-    const bool dragging = board.gesture().draggingPiece;
-    if (!dragging && game.takeNewGameRequest()) {
-      game.start();
-      openingStart = now;
-      onlyMoveDue = 0;
-    }
-    switch (game.phase()) {
-      case DemoGame::Phase::Opening: {
-        const uint32_t elapsed = now - openingStart;
-        if (elapsed >= kOpeningMs) {
-          game.finishOpening();
-        } else {
-          game.opening(kOpeningFirstTime +
-                       (kOpeningLastTime - kOpeningFirstTime) * elapsed / kOpeningMs);
-        }
-        break;
-      }
-      case DemoGame::Phase::UserOnlyMove:
-        if (onlyMoveDue == 0) {
-          onlyMoveDue = now + kOnlyMovePauseMs;
-        } else if (static_cast<int32_t>(now - onlyMoveDue) >= 0) {
-          onlyMoveDue = 0;
-          game.playOnlyMove();
-        }
-        break;
-      case DemoGame::Phase::OpponentToMove:
-        if (dragging) break;
-        title = "ostrel-demo - " + game.status();
-        platform.setTitle(title);
-        SDL_PumpEvents();
-        game.playOpponent();
-        break;
-      default:
-        break;
-    }
+    pace.step(now, board.gesture().draggingPiece, [&] {
+      title = "ostrel-demo - " + game.status();
+      platform.setTitle(title);
+      SDL_PumpEvents();
+    });
     const std::string wanted = "ostrel-demo - " + game.status();
     if (wanted != title) {
       title = wanted;

@@ -12,6 +12,39 @@
 
 namespace ostrel::testing {
 
+// What the widget shows after a new frame, in device pixels.
+inline Image widgetFrame(BoardWidget& widget) {
+  widget.board().render();
+  return widget.platform().surface().windowImage();
+}
+// The logical pixel of a blob's centre.
+inline QPoint logicalCentre(const BoardWidget& widget, const Blob& b) {
+  const double ratio = widget.devicePixelRatioF();
+  return QPoint(static_cast<int>(std::lround(b.x / ratio)),
+                static_cast<int>(std::lround(b.y / ratio)));
+}
+// Where the widget shows a field's marker.
+inline Blob fieldBlob(BoardWidget& widget, int field) {
+  ctlBoard& board = widget.board();
+  board.setHLfields("");
+  const Image without = widgetFrame(widget);
+  board.setHLfields(std::to_string(field));
+  const Image with = widgetFrame(widget);
+  board.setHLfields("");
+  return changed(without, with);
+}
+// A press at a logical pixel, then moves towards another and the release there, each move past
+// the control's 15 ms gate.
+inline void drag(BoardWidget& widget, QPoint from, QPoint to, int steps = 4) {
+  QTest::mousePress(&widget, Qt::LeftButton, Qt::NoModifier, from);
+  for (int i = 1; i <= steps; ++i) {
+    QTest::qWait(20);
+    QTest::mouseMove(&widget, from + (to - from) * i / steps);
+  }
+  QTest::qWait(20);
+  QTest::mouseRelease(&widget, Qt::LeftButton, Qt::NoModifier, to);
+}
+
 struct QtBoard {
   explicit QtBoard(int side = 240) : widget(new BoardWidget) {
     widget->resize(side, side);
@@ -26,23 +59,9 @@ struct QtBoard {
 
   ctlBoard& board() { return widget->board(); }
   double ratio() const { return widget->devicePixelRatioF(); }
-  Image frame() {
-    board().render();
-    return widget->platform().surface().windowImage();
-  }
-  // Logical pixel of a blob's centre (the window picture is in device pixels).
-  QPoint at(const Blob& b) const {
-    return QPoint(static_cast<int>(std::lround(b.x / ratio())),
-                  static_cast<int>(std::lround(b.y / ratio())));
-  }
-  Blob fieldBlob(int field) {
-    board().setHLfields("");
-    const Image without = frame();
-    board().setHLfields(std::to_string(field));
-    const Image with = frame();
-    board().setHLfields("");
-    return changed(without, with);
-  }
+  Image frame() { return widgetFrame(*widget); }
+  QPoint at(const Blob& b) const { return logicalCentre(*widget, b); }
+  Blob fieldBlob(int field) { return testing::fieldBlob(*widget, field); }
   Blob pieceBlob(int field) {
     const auto slot = static_cast<int16_t>(field - 1);
     const int16_t saved = board().field(slot);
@@ -65,17 +84,7 @@ struct QtBoard {
       board().addMoveList(m);
     board().drawBoard();
   }
-  // A press at a logical pixel, then moves towards another and the release there, each move past
-  // the control's 15 ms gate.
-  void drag(QPoint from, QPoint to, int steps = 4) {
-    QTest::mousePress(widget, Qt::LeftButton, Qt::NoModifier, from);
-    for (int i = 1; i <= steps; ++i) {
-      QTest::qWait(20);
-      QTest::mouseMove(widget, from + (to - from) * i / steps);
-    }
-    QTest::qWait(20);
-    QTest::mouseRelease(widget, Qt::LeftButton, Qt::NoModifier, to);
-  }
+  void drag(QPoint from, QPoint to) { testing::drag(*widget, from, to); }
 
   QPointer<BoardWidget> widget;
   std::unique_ptr<EventRecorder> events;
