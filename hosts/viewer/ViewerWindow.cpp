@@ -22,7 +22,8 @@ constexpr float kHalfTurn = 3.14159265f;
 
 }  // namespace
 
-ViewerWindow::ViewerWindow(uint32_t seed, QWidget* parent) : QMainWindow(parent) {
+ViewerWindow::ViewerWindow(uint32_t seed, bool userPlaysWhite, QWidget* parent)
+    : QMainWindow(parent) {
   setWindowTitle("ostrel viewer");
   auto* splitter = new QSplitter(this);
   board_ = new ostrel::BoardWidget(splitter);
@@ -34,7 +35,7 @@ ViewerWindow::ViewerWindow(uint32_t seed, QWidget* parent) : QMainWindow(parent)
   moves_->setMinimumWidth(140);
   setCentralWidget(splitter);
 
-  game_ = std::make_unique<demo::DemoGame>(board_->board(), seed, true);
+  game_ = std::make_unique<demo::DemoGame>(board_->board(), seed, userPlaysWhite);
   pace_ = std::make_unique<demo::GamePace>(*game_);
   board_->setEventSink(game_.get());
 

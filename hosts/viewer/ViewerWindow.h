@@ -21,7 +21,8 @@ class ViewerWindow : public QMainWindow {
   Q_OBJECT
 
  public:
-  explicit ViewerWindow(uint32_t seed, QWidget* parent = nullptr);
+  // userPlaysWhite false: the opponent plays both sides.
+  explicit ViewerWindow(uint32_t seed, bool userPlaysWhite = true, QWidget* parent = nullptr);
   ~ViewerWindow() override;
 
   ostrel::BoardWidget& boardWidget() { return *board_; }
