@@ -116,13 +116,25 @@ class BoardWidget::WidgetPlatform : public Platform, public Surface {
 
   bool makeContextCurrent() override {
     QOpenGLContext* context = widget_.context();
-    if (!context || !context->isValid()) return false;
+    if (!context || !context->isValid()) {
+      error = widget_.isVisible() ? "Qt made no OpenGL context for the widget"
+                                  : "no OpenGL context before the widget is shown";
+      return false;
+    }
     // Qt binds the widget's own framebuffer when it makes the context current: only when another
     // context is current, so as not to disturb the bindings of a frame under way.
     if (QOpenGLContext::currentContext() != context) widget_.makeCurrent();
-    if (QOpenGLContext::currentContext() != context) return false;
+    if (QOpenGLContext::currentContext() != context) {
+      error = "the widget's OpenGL context cannot be made current";
+      return false;
+    }
     const QSurfaceFormat format = context->format();
-    return format.majorVersion() > 3 || (format.majorVersion() == 3 && format.minorVersion() >= 3);
+    if (format.majorVersion() > 3 || (format.majorVersion() == 3 && format.minorVersion() >= 3)) {
+      return true;
+    }
+    error = "the OpenGL context is " + std::to_string(format.majorVersion()) + "." +
+            std::to_string(format.minorVersion()) + ", older than 3.3";
+    return false;
   }
   void placePicture(int32_t width, int32_t height) override {
     pictureWidth_ = width;
@@ -154,6 +166,7 @@ class BoardWidget::WidgetPlatform : public Platform, public Surface {
 
   WindowPicture picture;
   std::function<void(const std::string&)> messages;
+  std::string error;  // why the last makeContextCurrent failed
 
  private:
   BoardWidget& widget_;
@@ -196,6 +209,10 @@ BoardWidget::~BoardWidget() {
 
 Platform& BoardWidget::platform() {
   return *platform_;
+}
+
+const std::string& BoardWidget::error() const {
+  return platform_->error;
 }
 
 void BoardWidget::setEventSink(ctlBoardEvents* sink) {

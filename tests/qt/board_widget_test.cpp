@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <QMainWindow>
+#include <cstdio>
+#include <cstdlib>
 
 #include "qt/QtBoard.h"
 
@@ -145,6 +147,30 @@ TEST(QtBoardWidget, QtInputInTheControlsTerms) {
       {Qt::Key_Escape, 27}, {Qt::Key_Return, 13}, {Qt::Key_Enter, 13}, {Qt::Key_Down, 40},
       {Qt::Key_Z, 90},      {Qt::Key_5, 53},      {Qt::Key_F12, 123},  {Qt::Key_CapsLock, 0}};
   for (auto [key, code] : keys) EXPECT_EQ(BoardWidget::virtualKeyCode(key), code) << key;
+}
+
+}  // namespace
+
+namespace {
+
+// A renderer with nothing newer than OpenGL 3.0 (in a child process: Mesa reads the cap once).
+TEST(QtBoardWidgetDeathTest, WithoutOpenGL33TheWidgetSaysWhyAndNothingCrashes) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        setenv("MESA_GL_VERSION_OVERRIDE", "3.0", 1);
+        setenv("MESA_GLSL_VERSION_OVERRIDE", "130", 1);
+        ostrel::BoardWidget widget;
+        widget.resize(120, 120);
+        widget.show();
+        if (!QTest::qWaitForWindowExposed(&widget)) std::exit(2);
+        const auto started = widget.board().init(false, 0, 0);
+        widget.board().render();
+        std::fprintf(stderr, "started %d: %s\n", started.value_or(false) ? 1 : 0,
+                     widget.error().c_str());
+        std::exit(started.value_or(false) ? 1 : 0);
+      },
+      ::testing::ExitedWithCode(0), "started 0: .*(older than 3.3|no OpenGL context|Qt made no)");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // window shows agrees with the headless platform's picture of the same board, the status frame
 // lies over it, a new window size reaches pic, and SDL's input comes to the control in its terms.
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "ostrel/HeadlessPlatform.h"
@@ -113,6 +114,32 @@ TEST(SdlInput, ReachesTheControlInItsOwnTerms) {
       {SDLK_F1, 112},    {SDLK_RETURN, 13}, {SDLK_CAPSLOCK, 0}};
   for (auto [key, code] : keys)
     EXPECT_EQ(ostrel::sdlVirtualKeyCode(key), code) << SDL_GetKeyName(key);
+}
+
+}  // namespace
+
+namespace {
+
+// Each in a child process of its own, as SDL's video driver and Mesa's caps are chosen once.
+TEST(SdlWindowDeathTest, WithoutADisplayOrOpenGL33ThePlatformSaysWhy) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  auto open = [](const char* driver, const char* glVersion) {
+    setenv("SDL_VIDEODRIVER", driver, 1);
+    if (glVersion) setenv("MESA_GL_VERSION_OVERRIDE", glVersion, 1);
+    if (SDL_Init(SDL_INIT_VIDEO) != 0) {
+      std::fprintf(stderr, "no video: %s\n", SDL_GetError());
+      std::exit(0);
+    }
+    ostrel::SdlPlatform window("test", 64, 64, 1);
+    ostrel::ctlBoard board(window);
+    const bool started = board.init(false, 0, 0).value_or(false);
+    std::fprintf(stderr, "ok %d started %d: %s\n", window.ok() ? 1 : 0, started ? 1 : 0,
+                 window.error().c_str());
+    std::exit(window.ok() || started ? 1 : 0);
+  };
+  EXPECT_EXIT(open("dummy", nullptr), ::testing::ExitedWithCode(0), "ok 0 started 0: no window");
+  EXPECT_EXIT(open("offscreen", "3.0"), ::testing::ExitedWithCode(0),
+              "ok 0 started 0: .*(OpenGL 3.3|older than 3.3)");
 }
 
 }  // namespace

@@ -31,6 +31,8 @@ class BoardWidget : public QOpenGLWidget {
   const ctlBoard& board() const { return *board_; }
   // The platform the control draws through (twips, clocks, the window picture).
   Platform& platform();
+  // Why the control has no OpenGL 3.3 context, when it has none (init then fails).
+  const std::string& error() const;
   // The host's listener of the control's events (nullptr: none).
   void setEventSink(ctlBoardEvents* sink);
   // Instead of a QMessageBox: a host that shows the control's messages its own way (nullptr: the
