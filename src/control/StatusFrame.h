@@ -1,7 +1,7 @@
 #pragma once
 // The status frame over the picture: label1 is the frame, lblStatus the text, lblProgress the fill.
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::control {
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "board/MoveList.h"
-#include "control/ControlState.h"
 #include "control/StatusFrame.h"
 #include "graphics/Frame.h"
 #include "graphics/GraphicsContext.h"
@@ -21,6 +20,7 @@
 #include "scene/Markers.h"
 #include "scene/Playback.h"
 #include "scene/Population.h"
+#include "state/ControlState.h"
 
 namespace ostrel {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "control/ControlState.h"
 #include "scene/SceneConstants.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 

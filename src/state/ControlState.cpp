@@ -1,4 +1,4 @@
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 #include "control/ControlAccess.h"
 
