@@ -5,9 +5,6 @@
 
 namespace ostrel::control {
 
-// Full length of the fill in twips: two screen pixels less than the frame.
-float progressFull(ControlState& s);
-
 void showProgressBar(ControlState& s, const Variant& status, const Variant& visible,
                      const Variant& percentage);
 

@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "graphics/d3d8types.h"
-#include "ostrel/ctlBoard.h"
+#include "ostrel/BoardRecords.h"
 #include "platform/PlatformSources.h"
 #include "platform/ShippedAssets.h"
 #include "platform/StatusFramePainter.h"
