@@ -110,7 +110,7 @@ int32_t HeadlessPlatform::cooperativeLevel() {
 
 void HeadlessPlatform::deviceWasReset() {
   ++resetCount_;
-  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = 0;
+  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = graphics::D3D_OK;
 }
 
 AdapterProfile HeadlessPlatform::adapterProfile() {
