@@ -9,6 +9,7 @@
 #include <cmath>
 
 #include "graphics/d3d8types.h"
+#include "ostrel/BoardRecords.h"
 #include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
 
@@ -108,7 +109,7 @@ int32_t HeadlessPlatform::cooperativeLevel() const {
 
 void HeadlessPlatform::deviceWasReset() {
   ++resetCount_;
-  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = 0;
+  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = graphics::D3D_OK;
 }
 
 AdapterProfile HeadlessPlatform::adapterProfile() const {

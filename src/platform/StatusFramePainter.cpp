@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "ostrel/BoardRecords.h"
 #include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
 
