@@ -29,9 +29,10 @@ function(ostrel_component name target)
 endfunction()
 
 # A pkg-config file for hosts that do not use CMake: ostrel.pc, ostrel-<name>.pc.
-#   ostrel_pkg_config(<file name> <description> <library> [REQUIRES <modules>])
+#   ostrel_pkg_config(<file name> <description> <library> [REQUIRES <modules>] [CFLAGS <flags>])
 function(ostrel_pkg_config file description library)
-  cmake_parse_arguments(arg "" "REQUIRES" "" ${ARGN})
+  cmake_parse_arguments(arg "" "REQUIRES;CFLAGS" "" ${ARGN})
+  set(OSTREL_PC_CFLAGS "${arg_CFLAGS}")
   set(OSTREL_PC_DESCRIPTION "${description}")
   set(OSTREL_PC_LIBRARY "${library}")
   set(OSTREL_PC_REQUIRES "${arg_REQUIRES}")

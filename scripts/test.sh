@@ -28,11 +28,9 @@ cmake --install build --prefix build/stage >/dev/null
 cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_PREFIX_PATH="$root/build/stage"
 cmake --build build/consumer
 build/consumer/consumer
-# Hosts without CMake: the same program built from the pkg-config files.
+# Hosts without CMake find the package through its pkg-config files.
 pc_dir=$(dirname "$(find build/stage -name ostrel.pc | head -n 1)")
 export PKG_CONFIG_PATH="$root/$pc_dir"
-c++ tests/consumer/main.cpp $(pkg-config --cflags --libs ostrel) -o build/consumer/consumer-pc
-build/consumer/consumer-pc
 # The board in real windows under an X server: a drag from 32 to 28 and a screenshot of it.
 xvfb=(xvfb-run -a -s "-screen 0 1024x768x24")
 if [ -f "$pc_dir/ostrel-sdl.pc" ]; then
@@ -42,7 +40,9 @@ if [ -f "$pc_dir/ostrel-sdl.pc" ]; then
   (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl && "${xvfb[@]}" ./minimal-platform)
   c++ tests/consumer-sdl/main.cpp $(pkg-config --cflags --libs ostrel-sdl x11) \
     -o build/consumer-sdl/consumer-sdl-pc
-  (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl-pc)
+  c++ tests/consumer-sdl/minimal_platform.cpp $(pkg-config --cflags --libs ostrel sdl2 epoxy) \
+    -o build/consumer-sdl/minimal-platform-pc
+  (cd build/consumer-sdl && "${xvfb[@]}" ./consumer-sdl-pc && "${xvfb[@]}" ./minimal-platform-pc)
 else
   echo "-- consumer-sdl skipped: the component sdl was not built"
 fi
