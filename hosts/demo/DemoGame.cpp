@@ -8,7 +8,7 @@ using namespace ostrel::draughts;
 
 DemoGame::DemoGame(ostrel::ctlBoard& board, uint32_t seed, bool userPlaysWhite)
     : board_(board), opponent_(seed) {
-  if (userPlaysWhite) user_ = Side::White;
+  if (userPlaysWhite) firstUser_ = user_ = Side::White;
   // The control's own view is close enough to crop the edge rows of a square window: this one
   // shows the whole board, seen from white's side at a slant.
   board_.rotationHorizontalAxis(1.0f);
@@ -32,6 +32,7 @@ void DemoGame::markLastMove() {
 
 void DemoGame::reset(const Game& game) {
   game_ = game;
+  user_ = firstUser_;  // playing on from a review may have changed sides
   line_.clear();
   reviewing_ = false;
   choices_.clear();

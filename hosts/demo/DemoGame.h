@@ -99,9 +99,10 @@ class DemoGame : public ostrel::ctlBoardEvents {
   ostrel::ctlBoard& board_;
   Game game_;
   Opponent opponent_;
-  std::optional<Side> user_;  // the side the user plays; none: the opponent plays both
-  std::vector<Move> line_;    // game_.played(), then the moves ahead when reviewing
-  bool reviewing_ = false;    // stepping through the line rather than playing
+  std::optional<Side> user_;       // the side the user plays; none: the opponent plays both
+  std::optional<Side> firstUser_;  // user_ of a new game
+  std::vector<Move> line_;         // game_.played(), then the moves ahead when reviewing
+  bool reviewing_ = false;         // stepping through the line rather than playing
   Phase phase_ = Phase::Opening;
   std::vector<size_t> choices_;  // indexes into game_.moves() while choosing
   bool choiceShown_ = false;     // the differing fields are marked
