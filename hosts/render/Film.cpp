@@ -24,34 +24,40 @@ int piecesOn(const Position& position) {
   return pieces;
 }
 
-// Takes every frame the control presents and moves the manual clock on by one frame's time
-// after it, so that showMove, which paces itself by the clock, advances 1/fps s per frame.
+// Takes every frame the control presents. Each present moves the manual clock on by one frame's
+// time, so showMove, which paces itself by the clock, advances 1/fps s per frame; a frame that
+// is not taken (after the sink has given up) moves it as well, so a move always ends.
 class FrameCapture : public ostrel::ctlBoardEvents {
  public:
   FrameCapture(ostrel::HeadlessPlatform& platform, int fps, const FrameSink& sink)
-      : platform_(platform), fps_(fps), sink_(sink) {}
+      : platform_(platform), fps_(fps), sink_(sink) {
+    platform_.frameAdvanceMs(frameMs());
+  }
 
   void afterDraw(float&) override {
+    ++frames_;  // the present has moved the clock for this frame already
+    platform_.frameAdvanceMs(frameMs());
     if (stopped_) return;
     last_ = platform_.windowImage();
-    deliver(1);
+    if (!sink_(*last_, 1)) stopped_ = true;
   }
 
   // The last picture again, for `frames` more frames.
   void hold(int frames) {
-    if (!stopped_ && frames > 0 && last_) deliver(frames);
+    if (frames <= 0 || !last_) return;
+    const int64_t before = msAt(frames_);
+    frames_ += frames;
+    platform_.advance(static_cast<int32_t>(msAt(frames_) - before));
+    platform_.frameAdvanceMs(frameMs());
+    if (!stopped_ && !sink_(*last_, frames)) stopped_ = true;
   }
   bool stopped() const { return stopped_; }
 
  private:
-  void deliver(int frames) {
-    if (!sink_(*last_, frames)) stopped_ = true;
-    const int64_t before = msAt(frames_);
-    frames_ += frames;
-    platform_.advance(static_cast<int32_t>(msAt(frames_) - before));
-  }
   // Frame k stands at k/fps seconds, rounded to the clock's milliseconds without drifting.
   int64_t msAt(int64_t frame) const { return (frame * 1000 + fps_ / 2) / fps_; }
+  // The length of the next frame.
+  int32_t frameMs() const { return static_cast<int32_t>(msAt(frames_ + 1) - msAt(frames_)); }
 
   ostrel::HeadlessPlatform& platform_;
   const int fps_;
@@ -91,9 +97,7 @@ bool playFilm(ostrel::ctlBoard& board, ostrel::HeadlessPlatform& platform, const
   const int pause =
       std::max(1, static_cast<int>(std::lround(settings.pauseSeconds * settings.fps)));
   FrameCapture capture(platform, settings.fps, sink);
-  // Only the capture moves the clock: a present or a skipped frame leaves it alone.
   platform.useManualClock(0, 0.0f);
-  platform.frameAdvanceMs(0);
   board.highlightLastMove(true);
   board.setHighLightField(-1);
   board.setEventSink(&capture);

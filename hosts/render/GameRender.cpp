@@ -21,12 +21,6 @@ namespace {
 constexpr int kInternationalDraughts = 20;
 constexpr std::uintmax_t kMaxPdnBytes = 256u << 20;
 
-Position codesOf(const draughts::Position& position) {
-  Position codes{};
-  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
-  return codes;
-}
-
 // The game as the control plays it, up to `plies`.
 struct Line {
   Position start;
@@ -123,6 +117,12 @@ bool writeFilm(const std::string& program, ostrel::ctlBoard& board,
 }
 
 }  // namespace
+
+Position codesOf(const draughts::Position& position) {
+  Position codes{};
+  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
+  return codes;
+}
 
 std::optional<draughts::PdnGame> loadGame(const GameOptions& options, std::string& error) {
   std::error_code ec;

@@ -13,6 +13,9 @@
 
 namespace render {
 
+// The control's field codes of a position.
+Position codesOf(const ostrel::draughts::Position& position);
+
 // Reads the game asked for. No value when the file cannot be read, holds no such game, or holds
 // one that cannot be drawn (another kind of draughts, a FEN tag that is no position).
 std::optional<ostrel::draughts::PdnGame> loadGame(const GameOptions& game, std::string& error);
