@@ -21,15 +21,30 @@ namespace {
 constexpr int kInternationalDraughts = 20;
 constexpr std::uintmax_t kMaxPdnBytes = 256u << 20;
 
-// The game as the control plays it, up to `plies`.
-struct Line {
-  Position start;
-  std::vector<FilmPly> plies;
-  std::vector<int16_t> lastFields;  // where each ply ends
-};
+const Position& positionAt(const GameLine& line, size_t ply) {
+  return ply == 0 ? line.start : line.plies[ply - 1].after;
+}
+int16_t lastFieldAt(const GameLine& line, size_t ply) {
+  return ply == 0 ? 0 : line.lastFields[ply - 1];
+}
 
-Line lineOf(const draughts::PdnGame& game, size_t plies) {
-  Line line;
+std::string plyFileName(size_t ply, size_t last) {
+  const int digits = std::max<int>(3, static_cast<int>(std::to_string(last).size()));
+  char name[32];
+  std::snprintf(name, sizeof name, "ply-%0*zu.png", digits, ply);
+  return name;
+}
+
+}  // namespace
+
+Position codesOf(const draughts::Position& position) {
+  Position codes{};
+  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
+  return codes;
+}
+
+GameLine lineOf(const draughts::PdnGame& game, size_t plies) {
+  GameLine line;
   draughts::Position position = game.start;
   line.start = codesOf(position);
   for (size_t i = 0; i < plies && i < game.moves.size(); ++i) {
@@ -41,23 +56,8 @@ Line lineOf(const draughts::PdnGame& game, size_t plies) {
   return line;
 }
 
-const Position& positionAt(const Line& line, size_t ply) {
-  return ply == 0 ? line.start : line.plies[ply - 1].after;
-}
-int16_t lastFieldAt(const Line& line, size_t ply) {
-  return ply == 0 ? 0 : line.lastFields[ply - 1];
-}
-
-std::string plyFileName(size_t ply, size_t last) {
-  const int digits = std::max<int>(3, static_cast<int>(std::to_string(last).size()));
-  char name[32];
-  std::snprintf(name, sizeof name, "ply-%0*zu.png", digits, ply);
-  return name;
-}
-
-bool writeAllPlies(const std::string& program, ostrel::ctlBoard& board,
-                   ostrel::HeadlessPlatform& platform, const Line& line, const std::string& dir,
-                   std::string& error) {
+bool writeAllPlies(ostrel::ctlBoard& board, ostrel::HeadlessPlatform& platform,
+                   const GameLine& line, const std::string& dir, std::string& error) {
   std::error_code ec;
   std::filesystem::create_directories(dir, ec);
   if (ec || !std::filesystem::is_directory(dir)) {
@@ -74,19 +74,20 @@ bool writeAllPlies(const std::string& program, ostrel::ctlBoard& board,
     }
     progress.update(ply + 1);
   }
-  std::printf("%s: wrote %zu pictures to %s (%s to %s, %d x %d)\n", program.c_str(), last + 1,
-              dir.c_str(), plyFileName(0, last).c_str(), plyFileName(last, last).c_str(),
-              platform.windowImage().width, platform.windowImage().height);
   return true;
 }
 
-bool writeFilm(const std::string& program, ostrel::ctlBoard& board,
-               ostrel::HeadlessPlatform& platform, const Line& line, const GameOptions& game,
-               std::string& error) {
+std::optional<int64_t> writeFilm(ostrel::ctlBoard& board, ostrel::HeadlessPlatform& platform,
+                                 const GameLine& line, const std::string& path,
+                                 const FilmSettings& settings, std::string& error) {
   // A GIF's palette comes from stills spread over the game: the start, the end and between.
   std::vector<ostrel::Image> samples;
-  const auto format = *videoFormatOf(game.video);
-  if (format == VideoFormat::Gif) {
+  const auto format = videoFormatOf(path);
+  if (!format) {
+    error = cannotWrite(path, "a film is a .mp4, .webm or .gif file");
+    return std::nullopt;
+  }
+  if (*format == VideoFormat::Gif) {
     const size_t last = line.plies.size();
     for (size_t ply : {size_t{0}, last / 3, last * 2 / 3, last}) {
       samples.push_back(drawStill(board, platform, positionAt(line, ply), lastFieldAt(line, ply)));
@@ -94,13 +95,8 @@ bool writeFilm(const std::string& program, ostrel::ctlBoard& board,
   }
   const ostrel::Image size = platform.windowImage();
   auto writer =
-      VideoWriter::open(game.video, format, size.width, size.height, game.fps, samples, error);
-  if (!writer) return false;
-
-  FilmSettings settings;
-  settings.fps = game.fps;
-  settings.pauseSeconds = game.pauseSeconds;
-  settings.intro = game.intro;
+      VideoWriter::open(path, *format, size.width, size.height, settings.fps, samples, error);
+  if (!writer) return std::nullopt;
   Progress progress(stderr, line.plies.size());
   const bool played = playFilm(
       board, platform, line.start, line.plies, settings,
@@ -108,20 +104,8 @@ bool writeFilm(const std::string& program, ostrel::ctlBoard& board,
         return writer->addFrame(picture, frames, error);
       },
       [&](size_t plies) { progress.update(plies); });
-  if (!played || !writer->finish(error)) return false;
-  const int64_t frames = writer->frameCount();
-  std::printf("%s: wrote %s (%d x %d, %d fps, %lld frames, %.1f s)\n", program.c_str(),
-              game.video.c_str(), size.width, size.height, game.fps, static_cast<long long>(frames),
-              static_cast<double>(frames) / game.fps);
-  return true;
-}
-
-}  // namespace
-
-Position codesOf(const draughts::Position& position) {
-  Position codes{};
-  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
-  return codes;
+  if (!played || !writer->finish(error)) return std::nullopt;
+  return writer->frameCount();
 }
 
 std::optional<draughts::PdnGame> loadGame(const GameOptions& options, std::string& error) {
@@ -178,14 +162,33 @@ int renderGame(const std::string& program, ostrel::ctlBoard& board,
                  where.c_str(), read, wanted);
     return 1;
   }
-  const Line line = lineOf(pdn, wanted);
+  const GameLine line = lineOf(pdn, wanted);
   if (!options.marks.empty()) board.setHLfields(options.marks);
 
   std::string error;
   bool ok = true;
-  if (!game.allPlies.empty())
-    ok = writeAllPlies(program, board, platform, line, game.allPlies, error);
-  if (ok && !game.video.empty()) ok = writeFilm(program, board, platform, line, game, error);
+  if (!game.allPlies.empty()) {
+    ok = writeAllPlies(board, platform, line, game.allPlies, error);
+    const size_t last = line.plies.size();
+    if (ok) {
+      std::printf("%s: wrote %zu pictures to %s (%s to %s, %d x %d)\n", program.c_str(), last + 1,
+                  game.allPlies.c_str(), plyFileName(0, last).c_str(),
+                  plyFileName(last, last).c_str(), options.width, options.height);
+    }
+  }
+  if (ok && !game.video.empty()) {
+    FilmSettings settings;
+    settings.fps = game.fps;
+    settings.pauseSeconds = game.pauseSeconds;
+    settings.intro = game.intro;
+    const auto frames = writeFilm(board, platform, line, game.video, settings, error);
+    ok = frames.has_value();
+    if (ok) {
+      std::printf("%s: wrote %s (%d x %d, %d fps, %lld frames, %.1f s)\n", program.c_str(),
+                  game.video.c_str(), options.width, options.height, game.fps,
+                  static_cast<long long>(*frames), static_cast<double>(*frames) / game.fps);
+    }
+  }
   if (ok && game.allPlies.empty() && game.video.empty()) {
     const size_t ply = line.plies.size();
     ok = writePng(options.out,
