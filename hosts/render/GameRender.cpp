@@ -65,14 +65,14 @@ bool writeAllPlies(ostrel::ctlBoard& board, ostrel::HeadlessPlatform& platform,
     return false;
   }
   const size_t last = line.plies.size();
-  Progress progress(stderr, last + 1);
+  Progress progress(stderr, last);
   for (size_t ply = 0; ply <= last; ++ply) {
     const ostrel::Image still =
         drawStill(board, platform, positionAt(line, ply), lastFieldAt(line, ply));
     if (!writePng((std::filesystem::path(dir) / plyFileName(ply, last)).string(), still, error)) {
       return false;
     }
-    progress.update(ply + 1);
+    progress.update(ply);
   }
   return true;
 }
