@@ -21,4 +21,4 @@ run() {
     -print_final_stats=1 "$corpus" "$seeds" 2>&1 | grep -E "^(Done|stat::number_of_executed_units|stat::average_exec_per_sec|stat::peak_rss_mb)|ERROR|SUMMARY"
 }
 run fuzz_fen tests/fuzz/draughts/corpus-fen 256
-run fuzz_pdn kit/draughts/tests/pdn 8192
+run fuzz_pdn tests/fuzz/draughts/corpus-pdn 1024

@@ -62,9 +62,6 @@ constexpr Side other(Side side) {
   return side == Side::White ? Side::Black : Side::White;
 }
 
-// The direction and distance from one slot to another on a diagonal; false when none joins them.
-bool lineBetween(int from, int to, int& direction, int& distance);
-
 // Every route of the longest captures, one entry per route: moves that take the same pieces by
 // different routes are all there.
 std::vector<Move> captureRoutes(const Position& position);

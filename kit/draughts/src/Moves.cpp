@@ -23,24 +23,6 @@ void Position::set(int field, Piece piece) {
   if (field >= 1 && field <= kFields) squares[field - 1] = piece;
 }
 
-namespace detail {
-
-bool lineBetween(int from, int to, int& direction, int& distance) {
-  if (from < 0 || from >= kFields || to < 0 || to >= kFields) return false;
-  for (int d = 0; d < kDirections; ++d) {
-    for (int i = 0; i < kRays.length[from][d]; ++i) {
-      if (kRays.slot[from][d][i] == to) {
-        direction = d;
-        distance = i + 1;
-        return true;
-      }
-    }
-  }
-  return false;
-}
-
-}  // namespace detail
-
 namespace {
 
 // Walks every capture of one piece depth first and keeps those that take the most pieces seen so
