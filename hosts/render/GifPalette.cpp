@@ -1,7 +1,6 @@
 #include "GifPalette.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace render {
 

@@ -10,6 +10,7 @@
 
 #include "GameOptions.h"
 #include "GameRender.h"
+#include "PngWriter.h"
 #include "Position.h"
 #include "ostrel/ostrel.h"
 
@@ -77,8 +78,8 @@ int main(int argc, char** argv) {
   if (!options->marks.empty()) board.setHLfields(options->marks);
   board.render();
 
-  if (!platform.saveWindowPng(options->out)) {
-    std::fprintf(stderr, "%s: cannot write %s\n", program.c_str(), options->out.c_str());
+  if (!render::writePng(options->out, platform.windowImage(), error)) {
+    std::fprintf(stderr, "%s: %s\n", program.c_str(), error.c_str());
     return 1;
   }
   std::printf("%s: wrote %s (%d x %d)\n", program.c_str(), options->out.c_str(), options->width,
