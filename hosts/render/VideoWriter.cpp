@@ -82,6 +82,8 @@ std::optional<VideoFormat> videoFormatOf(std::string_view path) {
 struct VideoWriter::Encoder {
   explicit Encoder(const std::string& path) : file(path) {}
   ~Encoder() {
+    // A muxer frees what it holds at its trailer, also for a film given up (its file goes).
+    if (headerWritten) av_write_trailer(mux);
     sws_freeContext(scaler);
     av_frame_free(&frame);
     av_packet_free(&packet);
@@ -119,7 +121,7 @@ struct VideoWriter::Encoder {
   AVPacket* packet = nullptr;
   std::optional<GifPalette> palette;
   int64_t next = 0;
-  bool ioOpen = false;
+  bool ioOpen = false, headerWritten = false;
 };
 
 VideoWriter::VideoWriter(std::unique_ptr<Encoder> encoder) : encoder_(std::move(encoder)) {}
@@ -192,6 +194,7 @@ std::unique_ptr<VideoWriter> VideoWriter::open(const std::string& path, VideoFor
     error = cannotWrite(path, avError(result));
     return nullptr;
   }
+  e->headerWritten = true;
 
   e->frame->format = c.pix_fmt;
   e->frame->width = width;
@@ -246,6 +249,7 @@ bool VideoWriter::addFrame(const ostrel::Image& picture, int frames, std::string
 bool VideoWriter::finish(std::string& error) {
   Encoder& e = *encoder_;
   if (!e.send(nullptr, error)) return false;
+  e.headerWritten = false;
   int result = av_write_trailer(e.mux);
   if (result < 0) {
     error = cannotWrite(e.file.path(), avError(result));
