@@ -8,6 +8,7 @@ packages=(
   libassimp-dev libstb-dev fonts-dejavu-core libsdl2-dev libx11-dev
   qt6-base-dev libqt6opengl6-dev xvfb xauth
   libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev
+  libpng-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
 )
 
 missing=()
