@@ -39,7 +39,9 @@ class HeadlessPlatform : public Platform {
   // Clocks: real until useManualClock; then both start at the given readings and move together.
   void useManualClock(int32_t startMs, float startTimer);
   void advance(int32_t ms);
-  void frameAdvanceMs(int32_t ms);  // how far each Present moves the manual clock (default 16)
+  // How far the manual clock moves at each frame asked for, drawn or not (default 16), so that
+  // anything that waits for the clock across frames also ends when nothing can be drawn.
+  void frameAdvanceMs(int32_t ms);
   void seedRandom(uint32_t seed);
 
   const std::vector<std::string>& messages() const { return messages_; }
@@ -70,6 +72,7 @@ class HeadlessPlatform : public Platform {
   void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) override;
   int32_t cooperativeLevel() override;
   void deviceWasReset() override;
+  void frameAsked() override;
   void attachControl(const int32_t* backColor, const Label* frame, const Label* status,
                      const Label* progress) override;
   void detachControl() override;

@@ -68,6 +68,8 @@ class Platform {
   virtual int32_t cooperativeLevel() { return 0; }
   // A device Reset succeeded.
   virtual void deviceWasReset() {}
+  // render was called: a frame was asked for, whether or not one gets drawn.
+  virtual void frameAsked() {}
   // What the window shows now: the last presented picture (the back colour before the first),
   // with the visible parts of the status frame over it.
   virtual Image windowImage() const = 0;
