@@ -11,6 +11,7 @@
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
 #include "hardening/HostilePlatform.h"
+#include "hardening/HostileValues.h"
 #include "ostrel/ostrel.h"
 #include "support/TempFolder.h"
 
@@ -69,9 +70,9 @@ struct Slot {
   size_t boxesSeen = 0;
 };
 
-class World {
+class World : private HostileValues {
  public:
-  World(uint32_t seed, CallOrderFigures& figures) : seed_(seed), random_(seed), f_(figures) {}
+  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {}
   ~World() {
     for (Slot& s : slots_) endControl(s);
     for (Slot& s : slots_) s.platform.reset();
@@ -106,107 +107,6 @@ class World {
   }
 
  private:
-  // --- Random values, many of them hostile. ---
-  bool chance(double p) { return std::uniform_real_distribution<double>(0, 1)(random_) < p; }
-  int pick(int n) { return std::uniform_int_distribution<int>(0, n - 1)(random_); }
-  template <typename T, size_t N>
-  const T& among(const T (&values)[N]) {
-    return values[static_cast<size_t>(pick(static_cast<int>(N)))];
-  }
-  float anyFloat() {
-    constexpr float inf = std::numeric_limits<float>::infinity();
-    static const float values[] = {0,
-                                   -0.0f,
-                                   1,
-                                   -1,
-                                   0.05f,
-                                   0.1f,
-                                   15,
-                                   800,
-                                   900,
-                                   1e-30f,
-                                   1e30f,
-                                   inf,
-                                   -inf,
-                                   NAN,
-                                   3.1416f,
-                                   std::numeric_limits<float>::max(),
-                                   std::numeric_limits<float>::denorm_min()};
-    if (chance(0.5)) return std::uniform_real_distribution<float>(-20000, 20000)(random_);
-    return among(values);
-  }
-  double anyDouble() {
-    static const double values[] = {0,   -1,       0.5,       1,      2,       1e308,
-                                    NAN, INFINITY, -INFINITY, -1e308, 4.9e-324};
-    if (chance(0.6)) return std::uniform_real_distribution<double>(-2, 3)(random_);
-    return among(values);
-  }
-  int16_t anyInt16() {
-    static const int16_t values[] = {0, 1, -1, 49, 50, 51, 255, -32768, 32767};
-    if (chance(0.6)) return static_cast<int16_t>(pick(62) - 5);
-    return among(values);
-  }
-  int32_t anyInt32() {
-    static const int32_t values[] = {0,
-                                     -1,
-                                     0x404040,
-                                     0xFFFFFF,
-                                     0x1000000,
-                                     std::numeric_limits<int32_t>::max(),
-                                     std::numeric_limits<int32_t>::min()};
-    if (chance(0.5)) return static_cast<int32_t>(random_());
-    return among(values);
-  }
-  std::string anyField() { return std::to_string(pick(56) - 2); }
-  std::string anyMove() {
-    static const char* odd[] = {"",
-                                "-",
-                                "--",
-                                "x",
-                                "1-",
-                                "-1",
-                                "32-",
-                                "abc",
-                                "1x2x",
-                                "0-0",
-                                "99999999999-1",
-                                "32-28|19-23",
-                                " 32 - 28 ",
-                                "1-50-1-50",
-                                "\x01\xff-\x80",
-                                "32x28",
-                                "K46-5"};
-    if (chance(0.2)) return among(odd);
-    std::string move = anyField();
-    for (int hops = 1 + pick(3); hops > 0; --hops) move += (chance(0.7) ? "-" : "x") + anyField();
-    return move;
-  }
-  std::string anyFieldList() {
-    if (chance(0.2)) return among({"", "|", "||", "a|b", "7|", "|12", "-1|51", "0"});
-    std::string list = anyField();
-    for (int n = pick(18); n > 0; --n) list += "|" + anyField();
-    return list;
-  }
-  std::string anyImage() {
-    return among({"", "board.jpg", "piecewhite.png", "pieceblack.png", "missing.png",
-                  "../models/hl.png", "models/", "shadow2.png", "board.x"});
-  }
-  Variant anyVariant() {
-    switch (pick(6)) {
-      case 0:
-        return Variant();
-      case 1:
-        return Variant(chance(0.5));
-      case 2:
-        return Variant(static_cast<int64_t>(anyInt32()));
-      case 3:
-        return Variant(anyDouble());
-      case 4:
-        return Variant(anyMove());
-      default:
-        return Variant(among({"50", "nan", "inf", "-1e999", "1e999", "True", "30abc"}));
-    }
-  }
   void remember(const std::string& name) { lastName_ = name; }
 
   // --- Controls and platforms coming and going. ---
@@ -276,6 +176,13 @@ class World {
     ++depth_;
     ++s.busy;
     const bool outerDrawing = drawing_;
+    const uint64_t nestedBefore = f_.nestedCalls;
+    std::array<std::pair<const Platform*, size_t>, kSlots> boxes{};
+    for (size_t i = 0; i < kSlots; ++i) {
+      if (slots_[i].platform)
+        boxes[i] = {slots_[i].platform.get(), slots_[i].platform->messages().size()};
+    }
+    loads_ = Loads::nothing;
     try {
       call(s);
     } catch (const DeviceError&) {
@@ -287,6 +194,17 @@ class World {
     } catch (const std::exception& e) {
       finding(std::string("unexpected exception: ") + e.what());
     }
+    // Without handlers calling back, a failed load reports on the platform of the control that
+    // loaded, and only a load reports at all.
+    if (f_.nestedCalls == nestedBefore && loads_ != Loads::unknown) {
+      for (size_t i = 0; i < kSlots; ++i) {
+        const Slot& other = slots_[i];
+        if (!other.platform || other.platform.get() != boxes[i].first) continue;
+        if (other.platform->messages().size() == boxes[i].second) continue;
+        if (&other != &s) finding("a message box on the platform of another control");
+        if (loads_ == Loads::nothing) finding("a message box from an entry that loads nothing");
+      }
+    }
     drawing_ = outerDrawing;
     --s.busy;
     --depth_;
@@ -296,7 +214,7 @@ class World {
     ctlBoard& b = *s.board;
     HostilePlatform& p = *s.platform;
     drawing_ = false;
-    const int which = pick(64);
+    const int which = pick(66);
     auto draws = [&](const char* name) {
       remember(name);
       drawing_ = true;
@@ -306,7 +224,7 @@ class World {
         remember("end control"), endControl(s);
         return;
       case 1:
-        remember("init"), init(s);
+        remember("init"), loads_ = Loads::own, init(s);
         return;
       case 2:
         remember("timerAfterLastRender"),
@@ -316,16 +234,16 @@ class World {
         remember("highlightLastMove"), b.highlightLastMove(!b.highlightLastMove());
         return;
       case 4:
-        draws("alternativeBoard"), b.alternativeBoard(anyImage());
+        draws("alternativeBoard"), loads_ = Loads::own, b.alternativeBoard(anyImage());
         return;
       case 5:
         remember("setHighLightField"), b.setHighLightField(anyInt16());
         return;
       case 6:
-        draws("alternativePieceWhite"), b.alternativePieceWhite(anyImage());
+        draws("alternativePieceWhite"), loads_ = Loads::own, b.alternativePieceWhite(anyImage());
         return;
       case 7:
-        draws("alternativePieceBlack"), b.alternativePieceBlack(anyImage());
+        draws("alternativePieceBlack"), loads_ = Loads::own, b.alternativePieceBlack(anyImage());
         return;
       case 8:
         remember("getters"), (void)b.modelDir(), (void)b.alternativeBoard(),
@@ -428,6 +346,12 @@ class World {
       case 45:
       case 46:
         mouse(s);
+        return;
+      case 64:
+        remember("host-made mesh"), loads_ = Loads::unknown;
+        hostMesh_.init(among({"models/board.x", "models/hl.x", "models/none.x", "", "models/"}),
+                       anyImage(), chance(0.5) ? Variant() : Variant(anyDouble()));
+        hostMesh_.Translate(anyFloat(), anyFloat(), anyFloat(), anyFloat());
         return;
       case 47:
       case 48:
@@ -589,12 +513,19 @@ class World {
   }
 
   uint32_t seed_;
-  std::mt19937 random_;
+  clsMesh hostMesh_;  // a mesh the host made itself, outliving controls and platforms
   CallOrderFigures& f_;
   std::array<Slot, kSlots> slots_;
   TempFolder folder_;
   bool deviceMayExist_ = false;  // an init since the last end of a control answered with a value
-  bool drawing_ = false;         // the running entry may meet a device failure
+  bool drawing_ = false;
+  // What the running top-level entry loads: nothing, models of its own control, or a mesh of
+  // the host's whose box goes wherever the thread's last init lives.
+  enum class Loads {
+    nothing,
+    own,
+    unknown
+  } loads_ = Loads::nothing;  // the running entry may meet a device failure
   int depth_ = 0;
   int op_ = 0;
   std::string lastName_;
