@@ -37,6 +37,7 @@ constexpr int kMaxDepth = 2;  // handlers call back at most this deep
 constexpr size_t kMaxFindings = 20;
 constexpr int kFieldSlots = 51;
 constexpr size_t kMaxMoves = 256;
+constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
 
 class World;
 
@@ -65,7 +66,8 @@ struct Slot {
   std::unique_ptr<Handlers> handlers;
   std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
   std::vector<std::string> moves;             // what the move list must hold
-  bool started = false;                       // an init of this control answered true
+  bool started = false;                       // the last init of this control answered true
+  bool everStarted = false;                   // one of its inits did
   int busy = 0;                               // calls of this control on the stack
   size_t boxesSeen = 0;
 };
@@ -130,7 +132,7 @@ class World : private HostileValues {
     s.board->setEventSink(s.handlers.get());
     s.fields.fill(0);
     s.moves.clear();
-    s.started = false;
+    s.started = s.everStarted = false;
     ++f_.controlsMade;
   }
   void endControl(Slot& s) {
@@ -158,6 +160,7 @@ class World : private HostileValues {
     if (!result.has_value()) deviceMayExist_ = deviceMayExist_ && before;
     if (result == true) ++f_.initsTrue;
     s.started = result == true;
+    s.everStarted = s.everStarted || s.started;
   }
 
   // One operation on a random slot, top-level or from inside a handler.
@@ -185,11 +188,14 @@ class World : private HostileValues {
     loads_ = Loads::nothing;
     try {
       call(s);
-    } catch (const DeviceError&) {
-      if (drawing_) {
-        ++f_.deviceErrors;
-      } else {
+    } catch (const DeviceError& e) {
+      // The device fails when it is lost or its context is gone; any other code is a misuse.
+      if (!drawing_) {
         finding("DeviceError from an entry that does not draw");
+      } else if (e.number() != kDeviceLost) {
+        finding(std::string("the device was misused: ") + e.what());
+      } else {
+        ++f_.deviceErrors;
       }
     } catch (const std::exception& e) {
       finding(std::string("unexpected exception: ") + e.what());
@@ -506,6 +512,7 @@ class World : private HostileValues {
       finding("a slot that is never drawn was made visible");
     if (b.BackColor() != swapRedBlue(b.ambientBackColor()))
       finding("BackColor is not the swapped ambientBackColor");
+    if (b.Timer1().Enabled && !s.everStarted) finding("Timer1 runs without a start-up");
     if (b.gesture().rotatingBoard && b.gesture().draggingPiece)
       finding("rotating and dragging at once");
     f_.messageBoxes += s.platform->messages().size() - s.boxesSeen;
