@@ -559,8 +559,12 @@ void Handlers::moveDone(int16_t& moveIndex, std::string& move) {
   ++world_.figures().movesDone;
   Slot& s = world_.slot(slot_);
   const ctlBoard& b = *s.board;
-  if (moveIndex < 0 || moveIndex >= b.moves().moveCount)
-    world_.finding("moveDone with index " + std::to_string(moveIndex));
+  // The index is the one recorded when the drag began: a handler may have emptied the list
+  // since, and the slot still holds the move that was offered.
+  if (moveIndex < 0 || static_cast<size_t>(moveIndex) >= kMaxMoves ||
+      &move != &b.moves().moveList[static_cast<size_t>(moveIndex)]) {
+    world_.finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
+  }
   const auto source = static_cast<size_t>(b.gesture().dragSource);
   if (source >= 50) {
     world_.finding("moveDone from slot " + std::to_string(source));
