@@ -13,8 +13,8 @@ first=${3:-100}
 
 cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOSTREL_SANITIZE=ON \
   -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=ON >/dev/null
-cmake --build build-asan -j "$(nproc)" --target test_hardening
+cmake --build build-asan -j "$(nproc)" --target test_hardening_gl
 
 OSTREL_CALL_ORDER_SEEDS=$seeds OSTREL_CALL_ORDER_OPERATIONS=$operations \
   OSTREL_CALL_ORDER_FIRST_SEED=$first ASAN_OPTIONS=detect_leaks=1 \
-  build-asan/tests/test_hardening --gtest_filter='CallOrder.*'
+  build-asan/tests/test_hardening_gl --gtest_filter='CallOrder.*'

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "hardening/CallOrder.h"
+#include "support/CallOrder.h"
 
 namespace ostrel::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "hardening/CallOrder.h"
+#include "support/CallOrder.h"
 
 #include <algorithm>
 #include <array>
@@ -10,9 +10,9 @@
 
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
-#include "hardening/HostilePlatform.h"
-#include "hardening/HostileValues.h"
 #include "ostrel/ostrel.h"
+#include "support/HostilePlatform.h"
+#include "support/HostileValues.h"
 #include "support/TempFolder.h"
 
 namespace ostrel::testing {

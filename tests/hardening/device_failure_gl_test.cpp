@@ -6,9 +6,9 @@
 
 #include <type_traits>
 
-#include "hardening/HostilePlatform.h"
 #include "ostrel/ostrel.h"
 #include "support/EventRecorder.h"
+#include "support/HostilePlatform.h"
 
 namespace ostrel::testing {
 namespace {
