@@ -10,6 +10,10 @@ namespace {
 
 constexpr int kFields = 50;
 constexpr int kMaxPixels = 8192;
+// A side starts with 20 pieces and never gets more.
+constexpr int kMaxPiecesPerColour = 20;
+// The control has this many discs of each colour; a king stands on two of them.
+constexpr int kDiscsPerColour = 24;
 
 std::string_view trim(std::string_view s) {
   while (!s.empty() && std::isspace(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
@@ -66,6 +70,35 @@ std::string_view unwrap(std::string_view s) {
   return s;
 }
 
+bool isWhite(int16_t code) {
+  return code == kWhiteMan || code == kWhiteKing;
+}
+
+// What no game reaches, or what the board cannot show: more than 20 pieces of a colour, or more
+// discs than the control has of that colour.
+bool possible(const Position& position, std::string& error) {
+  for (bool white : {true, false}) {
+    int men = 0, kings = 0;
+    for (int16_t code : position) {
+      men += code == (white ? kWhiteMan : kBlackMan);
+      kings += code == (white ? kWhiteKing : kBlackKing);
+    }
+    const std::string colour = white ? "white" : "black";
+    if (men + kings > kMaxPiecesPerColour) {
+      error = colour + " has " + std::to_string(men + kings) + " pieces; a side has at most " +
+              std::to_string(kMaxPiecesPerColour);
+      return false;
+    }
+    if (men + 2 * kings > kDiscsPerColour) {
+      error = colour + " needs " + std::to_string(men + 2 * kings) +
+              " discs (a king takes two); the board has " + std::to_string(kDiscsPerColour) +
+              " of a colour";
+      return false;
+    }
+  }
+  return true;
+}
+
 // One colour's list: "31-35,K46,K47-48".
 bool readPieces(std::string_view list, bool white, Position& position, std::string& error) {
   for (std::string_view item : split(list, ',')) {
@@ -85,7 +118,14 @@ bool readPieces(std::string_view list, bool white, Position& position, std::stri
     }
     int16_t from = std::min(*first, *last), to = std::max(*first, *last);
     const int16_t code = white ? (king ? kWhiteKing : kWhiteMan) : (king ? kBlackKing : kBlackMan);
-    for (int16_t f = from; f <= to; ++f) position[static_cast<size_t>(f - 1)] = code;
+    for (int16_t f = from; f <= to; ++f) {
+      int16_t& slot = position[static_cast<size_t>(f - 1)];
+      if (slot != kEmpty && isWhite(slot) != white) {
+        error = "field " + std::to_string(f) + " is given to both white and black";
+        return false;
+      }
+      slot = code;
+    }
   }
   return true;
 }
@@ -102,7 +142,7 @@ Position startingPosition() {
 std::optional<Position> parseFen(std::string_view text, std::string& error) {
   std::string_view s = unwrap(text);
   if (s.empty()) {
-    error = "empty position";
+    error = "the FEN is empty: give a position such as W:W31-50:B1-20";
     return std::nullopt;
   }
   Position position{};
@@ -125,6 +165,7 @@ std::optional<Position> parseFen(std::string_view text, std::string& error) {
     error = "no piece list in \"" + std::string(text) + "\"";
     return std::nullopt;
   }
+  if (!possible(position, error)) return std::nullopt;
   return position;
 }
 

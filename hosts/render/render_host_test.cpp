@@ -73,6 +73,38 @@ TEST(RenderPosition, BadPositionsAreRefusedWithAReason) {
   }
 }
 
+// Positions that no game reaches or that the board cannot show, each with the reason given.
+TEST(RenderPosition, ImpossiblePositionsAreRefusedWithTheirReason) {
+  struct Case {
+    const char* fen;
+    const char* reason;  // a part of the message; empty: accepted
+  };
+  const Case cases[] = {
+      {"", "empty"},
+      {" [FEN \"\"] ", "empty"},
+      {"W:W1-21:B50", "white has 21 pieces"},
+      {"W:W50:B1-20,K21", "black has 21 pieces"},
+      {"W:W1-20:B31-50", ""},
+      {"W:W31:B31", "field 31 is given to both white and black"},
+      {"W:W10-20:BK15", "field 15 is given to both white and black"},
+      {"W:WK1-12:B50", ""},
+      {"W:WK1-12,13:B50", "white needs 25 discs (a king takes two)"},
+      {"W:W50:BK1-5,6-19", ""},
+      {"W:W50:BK1-5,K6-15", "black needs 30 discs"},
+      {"W:W1-4:B1-4", "field 1 is given to both"},
+  };
+  for (const Case& c : cases) {
+    std::string error;
+    const auto position = render::parseFen(c.fen, error);
+    if (*c.reason == 0) {
+      EXPECT_TRUE(position) << c.fen << ": " << error;
+      continue;
+    }
+    EXPECT_FALSE(position) << c.fen;
+    EXPECT_NE(error.find(c.reason), std::string::npos) << c.fen << ": " << error;
+  }
+}
+
 TEST(RenderPosition, LastFieldOfAMove) {
   EXPECT_EQ(render::lastField("32-28"), 28);
   EXPECT_EQ(render::lastField("26x37x48"), 48);

@@ -43,7 +43,9 @@ class HeadlessPlatform : public Platform, public Surface, public DeviceProbes {
   // Clocks: real until useManualClock; then both start at the given readings and move together.
   void useManualClock(int32_t startMs, float startTimer);
   void advance(int32_t ms);
-  void frameAdvanceMs(int32_t ms);  // how far each Present moves the manual clock (default 16)
+  // How far the manual clock moves at each frame asked for, drawn or not (default 16), so that
+  // anything that waits for the clock across frames also ends when nothing can be drawn.
+  void frameAdvanceMs(int32_t ms);
   void seedRandom(uint32_t seed);
 
   const std::vector<std::string>& messages() const { return messages_; }
@@ -77,6 +79,7 @@ class HeadlessPlatform : public Platform, public Surface, public DeviceProbes {
   AdapterProfile adapterProfile() const override;
   int32_t cooperativeLevel() const override;
   void deviceWasReset() override;
+  void frameAsked() override;
 
  private:
   struct Context;  // the EGL display and context, made on first use

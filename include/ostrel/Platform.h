@@ -63,6 +63,10 @@ class Platform {
   // The window that pic stands for.
   virtual Surface& surface() = 0;
 
+  // render was called: a frame was asked for, whether or not one gets drawn. A test clock
+  // moves here, so playback ends even where nothing can be drawn.
+  virtual void frameAsked() {}
+
   // The control that this window shows, set by its constructor and cleared (nullptr) by its
   // destructor: its BackColor, label1, lblStatus and lblProgress are what the window paints.
   virtual void attachControl(const ctlBoard* control) { control_ = control; }

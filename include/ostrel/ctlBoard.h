@@ -8,6 +8,7 @@
 #include <string>
 
 #include "ostrel/BoardRecords.h"
+#include "ostrel/DeviceError.h"
 #include "ostrel/Platform.h"
 #include "ostrel/Variant.h"
 
@@ -15,6 +16,11 @@ namespace ostrel {
 
 struct ControlState;
 
+// Device failures. The entries that draw have no trap of their own: render, Paint, resize,
+// Timer1_Timer (the deferred Reset), SetupLights, showMove, animation, screenDump, the mouse and
+// key handlers, and the three image setters while they reload, throw ostrel::DeviceError when a
+// device operation fails under them. The control stays usable: a later call draws again once the
+// device is back. init traps its own failures and answers by its result.
 class ctlBoard {
  public:
   explicit ctlBoard(Platform& platform);

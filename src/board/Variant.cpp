@@ -44,7 +44,8 @@ double Variant::leadingNumber() const {
     double operator()(std::monostate) const { return 0; }
     double operator()(bool b) const { return b ? -1 : 0; }
     double operator()(int64_t i) const { return static_cast<double>(i); }
-    double operator()(double d) const { return d; }
+    // The text form of an infinity or of no number ("inf", "nan") has no leading number.
+    double operator()(double d) const { return std::isfinite(d) ? d : 0; }
     double operator()(const std::string& s) const { return board::leadingNumber(s); }
   };
   return std::visit(Visitor{}, value_);

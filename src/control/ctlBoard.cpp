@@ -4,6 +4,7 @@
 #include "ostrel/ctlBoard.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "board/MoveList.h"
 #include "control/ControlAccess.h"
@@ -33,6 +34,7 @@ ctlBoard::ctlBoard(Platform& platform)
 
 ctlBoard::~ctlBoard() {
   graphics::releaseDevice();
+  graphics::forgetPlatform(s_->platform);
   s_->platform.attachControl(nullptr);
 }
 
@@ -99,20 +101,22 @@ void ctlBoard::ambientBackColor(int32_t col) {
   s_->backColor = swapRedBlue(col);
 }
 
+// An angle that is no number or infinite names no direction: the view keeps the one it has.
 void ctlBoard::rotationVerticalAxis(float value) {
-  s_->rotationVerticalAxis = value;
+  if (std::isfinite(value)) s_->rotationVerticalAxis = value;
 }
 float ctlBoard::rotationVerticalAxis() const {
   return s_->rotationVerticalAxis;
 }
 void ctlBoard::rotationHorizontalAxis(float value) {
-  s_->rotationHorizontalAxis = value;
+  if (std::isfinite(value)) s_->rotationHorizontalAxis = value;
 }
 float ctlBoard::rotationHorizontalAxis() const {
   return s_->rotationHorizontalAxis;
 }
+// Infinities are limited like any large value; a value that is no number is ignored.
 void ctlBoard::viewingDistance(float value) {
-  s_->viewingDistance = std::clamp(value, 0.1f, 800.0f);
+  if (!std::isnan(value)) s_->viewingDistance = std::clamp(value, 0.1f, 800.0f);
 }
 float ctlBoard::viewingDistance() const {
   return s_->viewingDistance;
@@ -198,17 +202,23 @@ void ctlBoard::Paint() {
   graphics::render(*s_);
 }
 
+// The entries that load models: a load that fails reports on this control's platform, whichever
+// control ran init last.
 void ctlBoard::alternativeBoard(const std::string& s) {
+  graphics::LoadingFor loading(s_->platform);
   graphics::setAlternativeBoard(*s_, s);
 }
 void ctlBoard::alternativePieceWhite(const std::string& s) {
+  graphics::LoadingFor loading(s_->platform);
   graphics::setAlternativePieceWhite(*s_, s);
 }
 void ctlBoard::alternativePieceBlack(const std::string& s) {
+  graphics::LoadingFor loading(s_->platform);
   graphics::setAlternativePieceBlack(*s_, s);
 }
 std::optional<bool> ctlBoard::init(bool qTrans, int32_t qAA, int32_t qShadow,
                                    const std::string& ap) {
+  graphics::LoadingFor loading(s_->platform);
   return graphics::init(*s_, qTrans, qAA, qShadow, ap);
 }
 void ctlBoard::resize() {

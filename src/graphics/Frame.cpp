@@ -22,33 +22,8 @@ void drawAt(clsMesh& mesh, const cls3DobjectInfo& object) {
   mesh.render();
 }
 
-}  // namespace
-
-void render(ControlState& s) {
-  const float start = s.platform.Timer();
-  GraphicsContext& context = graphicsContext();
-  if (!context.direct3D || !context.device) return;
-  // Held for the whole frame: a handler may replace the context's device meanwhile.
-  const std::shared_ptr<Direct3DDevice8> device = context.device;
-  Direct3DDevice8& d = *device;
-
-  const int32_t level = d.TestCooperativeLevel();
-  if (level == D3DERR_DEVICELOST) return;
-  if (level == D3DERR_DEVICENOTRESET) d.Reset(context.presentParameters);
-
-  d.Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, static_cast<uint32_t>(s.ambientBackColor),
-          1.0f, 0);
-  setupLights(s);
-
-  s.worldMatrix = identityMatrix();
-  d.SetTransform(D3DTS_WORLD, s.worldMatrix);
-  s.viewMatrix = viewMatrixFor(s.rotationHorizontalAxis, s.rotationVerticalAxis, s.viewingDistance);
-  d.SetTransform(D3DTS_VIEW, s.viewMatrix);
-  // A picture without width gives no projection: the frame ends here, before the scene.
-  if (!projectionMatrixFor(s.pic.Width, s.pic.Height, s.projectionMatrix)) return;
-  d.SetTransform(D3DTS_PROJECTION, s.projectionMatrix);
-
-  d.BeginScene();
+// The four passes, between BeginScene and EndScene.
+void drawScene(ControlState& s, Direct3DDevice8& d) {
   ModelSet& m = s.models;
 
   // Board: opaque.
@@ -80,7 +55,47 @@ void render(ControlState& s) {
     clsMesh& mesh = m.pieceMesh[i < kFirstBlackObject ? 0 : 1];
     if (piece.visible) drawAt(mesh, piece);
   }
+}
 
+}  // namespace
+
+void render(ControlState& s) {
+  const float start = s.platform.Timer();
+  s.platform.frameAsked();
+  GraphicsContext& context = graphicsContext();
+  if (!context.direct3D || !context.device) return;
+  // Held for the whole frame: a handler may replace the context's device meanwhile.
+  const std::shared_ptr<Direct3DDevice8> device = context.device;
+  Direct3DDevice8& d = *device;
+
+  const int32_t level = d.TestCooperativeLevel();
+  if (level == D3DERR_DEVICELOST) return;
+  if (level == D3DERR_DEVICENOTRESET) d.Reset(context.presentParameters);
+
+  d.Clear(0, nullptr, D3DCLEAR_TARGET | D3DCLEAR_ZBUFFER, static_cast<uint32_t>(s.ambientBackColor),
+          1.0f, 0);
+  setupLights(s);
+
+  s.worldMatrix = identityMatrix();
+  d.SetTransform(D3DTS_WORLD, s.worldMatrix);
+  s.viewMatrix = viewMatrixFor(s.rotationHorizontalAxis, s.rotationVerticalAxis, s.viewingDistance);
+  d.SetTransform(D3DTS_VIEW, s.viewMatrix);
+  // A picture without width gives no projection: the frame ends here, before the scene.
+  if (!projectionMatrixFor(s.pic.Width, s.pic.Height, s.projectionMatrix)) return;
+  d.SetTransform(D3DTS_PROJECTION, s.projectionMatrix);
+
+  d.BeginScene();
+  // A failure inside the scene still closes it, so that the next frame or Reset finds the
+  // device usable once the context is back.
+  try {
+    drawScene(s, d);
+  } catch (...) {
+    try {
+      d.EndScene();
+    } catch (...) {  // the first failure is the one the caller hears of
+    }
+    throw;
+  }
   d.EndScene();
   d.Present();
 

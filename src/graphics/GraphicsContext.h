@@ -17,7 +17,7 @@ class Direct3D8;
 class Direct3DDevice8;
 
 struct GraphicsContext {
-  Platform* platform = nullptr;  // the window system of the control that ran init last
+  Platform* platform = nullptr;  // the window system of the last init whose control still lives
   std::shared_ptr<Direct3D8> direct3D;
   std::shared_ptr<Direct3DDevice8> device;
   D3DPRESENT_PARAMETERS presentParameters;  // every Reset passes this same record
@@ -25,5 +25,24 @@ struct GraphicsContext {
 };
 
 GraphicsContext& graphicsContext();
+
+// Where a mesh that fails to load shows its message box: the platform of the control whose load
+// runs now, else that of the last init whose control still lives, else nowhere.
+Platform* messagePlatform();
+
+// Marks the loads of one control for as long as it lives on the stack.
+class LoadingFor {
+ public:
+  explicit LoadingFor(Platform& platform);
+  ~LoadingFor();
+  LoadingFor(const LoadingFor&) = delete;
+  LoadingFor& operator=(const LoadingFor&) = delete;
+
+ private:
+  Platform* previous_;
+};
+
+// A control is ending: its platform may go right after it, so the context forgets it.
+void forgetPlatform(Platform& platform);
 
 }  // namespace ostrel::graphics

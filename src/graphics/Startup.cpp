@@ -190,7 +190,7 @@ std::optional<bool> init(ControlState& s, bool qTrans, int32_t qAA, int32_t qSha
   try {
     result = startDevice(s, log);
   } catch (const D3DError& e) {
-    error = TrappedError{e.number, GetErrorString(e.number), e.description};
+    error = TrappedError{e.number(), GetErrorString(e.number()), e.what()};
   } catch (const std::exception& e) {
     error = TrappedError{E_FAIL, GetErrorString(E_FAIL), e.what()};
   } catch (...) {

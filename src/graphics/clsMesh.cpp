@@ -25,7 +25,7 @@ constexpr uint32_t kTranslatableFormat =
     graphics::D3DFVF_XYZ | graphics::D3DFVF_NORMAL | graphics::D3DFVF_TEX1;
 
 void showMessage(const std::string& text) {
-  if (Platform* platform = graphics::graphicsContext().platform) platform->MsgBox(text);
+  if (Platform* platform = graphics::messagePlatform()) platform->MsgBox(text);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "graphics/d3d8types.h"
+#include "ostrel/DeviceError.h"
 
 namespace ostrel {
 class Platform;
@@ -18,16 +19,9 @@ class Platform;
 
 namespace ostrel::graphics {
 
-// A raised failure: its error number and the description that goes with it.
-class D3DError : public std::exception {
- public:
-  D3DError(int32_t number, std::string description)
-      : number(number), description(std::move(description)) {}
-  const char* what() const noexcept override { return description.c_str(); }
-
-  int32_t number;
-  std::string description;
-};
+// A raised failure: its error number, and its description as what(). The public type, so that a
+// host can catch what reaches it by name.
+using D3DError = DeviceError;
 
 class Direct3DDevice8;
 

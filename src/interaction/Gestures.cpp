@@ -35,6 +35,12 @@ namespace {
 constexpr int16_t kLeftButton = 1;
 constexpr int16_t kRightButton = 2;
 
+// A pointer position that is no number (or an infinite one) reads as 0, so that neither the
+// rotation nor the picking ever carries it into the control.
+float pointerCoordinate(float v) {
+  return std::isfinite(v) ? v : 0.0f;
+}
+
 constexpr float kDragHeight = static_cast<float>(scene::kRestHeight + kDragLift);  // 0.4765
 constexpr float kDragTopHeight = scene::stackedHeight(kDragHeight);                // 0.6865
 
@@ -167,6 +173,8 @@ void hideDragMarkers(ControlState& s) {
 }
 
 void pic_MouseDown(ControlState& s, int16_t Button, int16_t Shift, float X, float Y) {
+  X = pointerCoordinate(X);
+  Y = pointerCoordinate(Y);
   GestureState& g = s.gesture;
   if (Button == kRightButton && s.userRotationEnabled && !g.draggingPiece) {
     g.rotatingBoard = true;
@@ -191,6 +199,8 @@ void pic_MouseDown(ControlState& s, int16_t Button, int16_t Shift, float X, floa
 }
 
 void pic_MouseMove(ControlState& s, int16_t Button, int16_t Shift, float X, float Y) {
+  X = pointerCoordinate(X);
+  Y = pointerCoordinate(Y);
   // The gate: a move within 15 ms of the end of the last frame is lost whole. Rotation works
   // from differences and the drag from the absolute position, so the next handled move catches
   // up. Widened so that any value a host stores in timerAfterLastRender is safe to add to.
@@ -231,6 +241,8 @@ void pic_MouseMove(ControlState& s, int16_t Button, int16_t Shift, float X, floa
 }
 
 void pic_MouseUp(ControlState& s, int16_t Button, int16_t Shift, float X, float Y) {
+  X = pointerCoordinate(X);
+  Y = pointerCoordinate(Y);
   GestureState& g = s.gesture;
   if (g.rotatingBoard) {
     s.pic.MousePointer = kDefaultPointer;

@@ -5,6 +5,8 @@
 
 #include "interaction/Picking.h"
 
+#include <cmath>
+
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
 #include "ostrel/notation.h"
@@ -38,8 +40,15 @@ void screenToBoard(ControlState& s, float x, float y, float& boardX, float& boar
   // horizon of a steep view) is returned like any other, and nothing is clamped to the board.
   if (dir.y != 0) {
     const double t = static_cast<double>(farPoint.y) - scene::kRestHeight;
-    boardX = static_cast<float>(farPoint.x - (t * dir.x) / dir.y);
-    boardY = static_cast<float>(farPoint.z - (t * dir.z) / dir.y);
+    const auto x = static_cast<float>(farPoint.x - (t * dir.x) / dir.y);
+    const auto y = static_cast<float>(farPoint.z - (t * dir.z) / dir.y);
+    // A line that meets the plane nowhere in reach names no point and no field.
+    if (!std::isfinite(x) || !std::isfinite(y)) {
+      field = -1;
+      return;
+    }
+    boardX = x;
+    boardY = y;
   }
   boardToField(boardX, boardY, field);
 }

@@ -125,7 +125,6 @@ void HeadlessPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, i
   }
   presentedAny_ = true;
   ++presentCount_;
-  advance(frameAdvanceMs_);
 }
 
 }  // namespace ostrel

@@ -44,6 +44,10 @@ void HeadlessPlatform::frameAdvanceMs(int32_t ms) {
   frameAdvanceMs_ = ms;
 }
 
+void HeadlessPlatform::frameAsked() {
+  advance(frameAdvanceMs_);
+}
+
 void HeadlessPlatform::seedRandom(uint32_t seed) {
   random_.seed(seed);
 }

@@ -1,0 +1,610 @@
+#include "support/CallOrder.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+
+#include "graphics/GraphicsContext.h"
+#include "graphics/d3d8.h"
+#include "ostrel/ostrel.h"
+#include "support/HostilePlatform.h"
+#include "support/HostileValues.h"
+#include "support/TempFolder.h"
+
+namespace ostrel::testing {
+
+void CallOrderFigures::add(const CallOrderFigures& o) {
+  operations += o.operations;
+  nestedCalls += o.nestedCalls;
+  controlsMade += o.controlsMade;
+  inits += o.inits;
+  initsTrue += o.initsTrue;
+  frames += o.frames;
+  movesDone += o.movesDone;
+  deviceErrors += o.deviceErrors;
+  messageBoxes += o.messageBoxes;
+  findings.insert(findings.end(), o.findings.begin(), o.findings.end());
+}
+
+namespace {
+
+constexpr size_t kSlots = 3;
+constexpr int kMaxDepth = 2;  // handlers call back at most this deep
+constexpr size_t kMaxFindings = 20;
+constexpr int kFieldSlots = 51;
+constexpr size_t kMaxMoves = 256;
+constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
+
+class World;
+
+// The host's handlers: they keep the expected field array in step with accepted drops, check what
+// an event may say, and now and then call back into any control.
+class Handlers : public ctlBoardEvents {
+ public:
+  Handlers(World& world, size_t slot) : world_(world), slot_(slot) {}
+  void afterDraw(float& frameTime) override;
+  void mouseDown(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
+  void mouseMove(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
+  void mouseUp(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
+  void moveDone(int16_t& moveIndex, std::string& move) override;
+  void afterUserRotation() override;
+  void KeyDown(int16_t&, int16_t&) override;
+
+ private:
+  void mouse(float x, float y, int16_t field);
+  World& world_;
+  size_t slot_;
+};
+
+struct Slot {
+  std::unique_ptr<HostilePlatform> platform;
+  std::unique_ptr<ctlBoard> board;
+  std::unique_ptr<Handlers> handlers;
+  std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
+  std::vector<std::string> moves;             // what the move list must hold
+  bool started = false;                       // the last init of this control answered true
+  bool everStarted = false;                   // one of its inits did
+  int busy = 0;                               // calls of this control on the stack
+  size_t boxesSeen = 0;
+};
+
+class World : private HostileValues {
+ public:
+  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {}
+  ~World() {
+    for (Slot& s : slots_) endControl(s);
+    for (Slot& s : slots_) s.platform.reset();
+  }
+
+  void run(int operations) {
+    for (op_ = 0; op_ < operations && f_.findings.size() < kMaxFindings; ++op_) {
+      ++f_.operations;
+      operation();
+      for (Slot& s : slots_) {
+        if (s.platform && s.platform->stuck) finding("a wait on the clock never ended");
+        if (s.platform) s.platform->clockReads = 0, s.platform->stuck = false;
+        check(s);
+      }
+    }
+  }
+
+  // --- What the handlers use. ---
+  Slot& slot(size_t i) { return slots_[i]; }
+  bool deviceMayExist() const { return deviceMayExist_; }
+  CallOrderFigures& figures() { return f_; }
+  void finding(const std::string& what) {
+    if (f_.findings.size() < kMaxFindings) {
+      f_.findings.push_back("seed " + std::to_string(seed_) + ", operation " + std::to_string(op_) +
+                            " (" + lastName_ + "): " + what);
+    }
+  }
+  void maybeCallBack() {
+    if (depth_ >= kMaxDepth || !chance(0.08)) return;
+    ++f_.nestedCalls;
+    operation();
+  }
+
+ private:
+  void remember(const std::string& name) { lastName_ = name; }
+
+  // --- Controls and platforms coming and going. ---
+  void makeControl(Slot& s) {
+    if (!s.platform) {
+      HeadlessOptions o;
+      static const int sizes[] = {0, 1, 24, 48, 64};
+      o.pixelWidth = among(sizes);
+      o.pixelHeight = among(sizes);
+      o.direct3DAvailable = !chance(0.1);
+      o.checkDeviceTypeResult = chance(0.1) ? -1 : 0;
+      o.hardwareVertexProcessing = !chance(0.2);
+      o.multisample4 = chance(0.5);
+      s.platform = std::make_unique<HostilePlatform>(o);
+      s.platform->useManualClock(pick(100000), static_cast<float>(pick(86400)));
+      s.platform->seedRandom(static_cast<uint32_t>(random_()));
+      s.boxesSeen = 0;
+    }
+    s.board = std::make_unique<ctlBoard>(*s.platform);
+    s.handlers = std::make_unique<Handlers>(*this, static_cast<size_t>(&s - slots_.data()));
+    s.board->setEventSink(s.handlers.get());
+    s.fields.fill(0);
+    s.moves.clear();
+    s.started = s.everStarted = false;
+    ++f_.controlsMade;
+  }
+  void endControl(Slot& s) {
+    if (!s.board || s.busy) return;
+    s.board.reset();
+    s.handlers.reset();
+    deviceMayExist_ = false;  // the end of any control drops the thread's device
+  }
+  void endPlatform(Slot& s) {
+    if (s.board || !s.platform) return;
+    f_.messageBoxes += s.platform->messages().size() - s.boxesSeen;
+    s.platform.reset();
+  }
+
+  void init(Slot& s) {
+    std::string ap;
+    if (chance(0.2)) ap = chance(0.5) ? folder_.path() : folder_ / "no-such-folder";
+    ++f_.inits;
+    s.platform->loseContextAfter(-1);
+    // The first frame comes before init returns; an init without a value leaves what was.
+    const bool before = deviceMayExist_;
+    deviceMayExist_ = true;
+    const std::optional<bool> result =
+        s.board->init(chance(0.5), pick(4) - 1, among({0, 1, 2, -1}), ap);
+    if (!result.has_value()) deviceMayExist_ = deviceMayExist_ && before;
+    if (result == true) ++f_.initsTrue;
+    s.started = result == true;
+    s.everStarted = s.everStarted || s.started;
+  }
+
+  // One operation on a random slot, top-level or from inside a handler.
+  void operation() {
+    Slot& s = slots_[static_cast<size_t>(pick(kSlots))];
+    if (!s.board) {
+      if (!s.platform || chance(0.7)) {
+        remember("make control");
+        makeControl(s);
+      } else {
+        remember("end platform");
+        endPlatform(s);
+      }
+      return;
+    }
+    ++depth_;
+    ++s.busy;
+    const bool outerDrawing = drawing_;
+    const uint64_t nestedBefore = f_.nestedCalls;
+    std::array<std::pair<const Platform*, size_t>, kSlots> boxes{};
+    for (size_t i = 0; i < kSlots; ++i) {
+      if (slots_[i].platform)
+        boxes[i] = {slots_[i].platform.get(), slots_[i].platform->messages().size()};
+    }
+    loads_ = Loads::nothing;
+    try {
+      call(s);
+    } catch (const DeviceError& e) {
+      // The device fails when it is lost or its context is gone; any other code is a misuse.
+      if (!drawing_) {
+        finding("DeviceError from an entry that does not draw");
+      } else if (e.number() != kDeviceLost) {
+        finding(std::string("the device was misused: ") + e.what());
+      } else {
+        ++f_.deviceErrors;
+      }
+    } catch (const std::exception& e) {
+      finding(std::string("unexpected exception: ") + e.what());
+    }
+    // Without handlers calling back, a failed load reports on the platform of the control that
+    // loaded, and only a load reports at all.
+    if (f_.nestedCalls == nestedBefore && loads_ != Loads::unknown) {
+      for (size_t i = 0; i < kSlots; ++i) {
+        const Slot& other = slots_[i];
+        if (!other.platform || other.platform.get() != boxes[i].first) continue;
+        if (other.platform->messages().size() == boxes[i].second) continue;
+        if (&other != &s) finding("a message box on the platform of another control");
+        if (loads_ == Loads::nothing) finding("a message box from an entry that loads nothing");
+      }
+    }
+    drawing_ = outerDrawing;
+    --s.busy;
+    --depth_;
+  }
+
+  void call(Slot& s) {
+    ctlBoard& b = *s.board;
+    HostilePlatform& p = *s.platform;
+    drawing_ = false;
+    const int which = pick(66);
+    auto draws = [&](const char* name) {
+      remember(name);
+      drawing_ = true;
+    };
+    switch (which) {
+      case 0:
+        remember("end control"), endControl(s);
+        return;
+      case 1:
+        remember("init"), loads_ = Loads::own, init(s);
+        return;
+      case 2:
+        remember("timerAfterLastRender"),
+            b.timerAfterLastRender(chance(0.5) ? anyInt32() : b.timerAfterLastRender());
+        return;
+      case 3:
+        remember("highlightLastMove"), b.highlightLastMove(!b.highlightLastMove());
+        return;
+      case 4:
+        draws("alternativeBoard"), loads_ = Loads::own, b.alternativeBoard(anyImage());
+        return;
+      case 5:
+        remember("setHighLightField"), b.setHighLightField(anyInt16());
+        return;
+      case 6:
+        draws("alternativePieceWhite"), loads_ = Loads::own, b.alternativePieceWhite(anyImage());
+        return;
+      case 7:
+        draws("alternativePieceBlack"), loads_ = Loads::own, b.alternativePieceBlack(anyImage());
+        return;
+      case 8:
+        remember("getters"), (void)b.modelDir(), (void)b.alternativeBoard(),
+            (void)b.alternativePieceWhite(), (void)b.alternativePieceBlack();
+        return;
+      case 9:
+      case 10:
+      case 11: {
+        remember("field set");
+        const int16_t index = anyInt16(), value = chance(0.8)
+                                                      ? static_cast<int16_t>(among({0, 2, 3, 4, 5}))
+                                                      : anyInt16();
+        b.field(index, value);
+        if (index >= 0 && index < kFieldSlots) s.fields[static_cast<size_t>(index)] = value;
+        return;
+      }
+      case 12:
+        remember("flags"), b.userRotationEnabled(chance(0.8)), b.userMoveEnabled(chance(0.8));
+        return;
+      case 13:
+        remember("ambientBackColor"), b.ambientBackColor(anyInt32());
+        return;
+      case 14:
+        remember("rotationVerticalAxis"), b.rotationVerticalAxis(anyFloat());
+        return;
+      case 15:
+        remember("rotationHorizontalAxis"), b.rotationHorizontalAxis(anyFloat());
+        return;
+      case 16:
+        remember("viewingDistance"), b.viewingDistance(anyFloat());
+        return;
+      case 17:
+        remember("clearMoveList"), b.clearMoveList(), s.moves.clear();
+        return;
+      case 18:
+      case 19:
+      case 20: {
+        remember("addMoveList");
+        const std::string move = anyMove();
+        b.addMoveList(move);
+        if (s.moves.size() < kMaxMoves) s.moves.push_back(normalMove(move));
+        return;
+      }
+      case 21:
+        remember("showProgressBar"), b.showProgressBar(anyVariant(), anyVariant(), anyVariant());
+        return;
+      case 22:
+        remember("initAnimation"), b.initAnimation();
+        return;
+      case 23:
+        remember("stopAnimation"), b.stopAnimation();
+        return;
+      case 24:
+      case 25:
+        draws("animation"), b.animation(anyDouble());
+        return;
+      case 26:
+      case 27:
+        remember("drawBoard"), b.drawBoard();
+        return;
+      case 28:
+      case 29:
+        draws("render"), b.render();
+        return;
+      case 30:
+        remember("setInitString"), b.setInitString(anyMove());
+        return;
+      case 31:
+      case 32:
+        draws("showMove"), b.showMove(anyMove());
+        return;
+      case 33:
+        remember("vec3"), (void)b.vec3(anyFloat(), anyFloat(), anyFloat());
+        return;
+      case 34:
+        // Only after a start-up that made the device, as a host keeps it.
+        if (s.started) draws("SetupLights"), b.SetupLights();
+        return;
+      case 35:
+        draws("resize"), b.resize();
+        return;
+      case 36:
+        draws("screenDump"),
+            b.screenDump(chance(0.8) ? folder_ / "dump.emf" : folder_ / "none/x.emf");
+        return;
+      case 37:
+        remember("setHLfields"), b.setHLfields(anyFieldList());
+        return;
+      case 38:
+        draws("Paint"), b.Paint();
+        return;
+      case 39:
+      case 40:
+        draws("Timer1_Timer"), b.Timer1_Timer();
+        return;
+      case 41:
+      case 42:
+      case 43:
+      case 44:
+      case 45:
+      case 46:
+        mouse(s);
+        return;
+      case 64:
+        remember("host-made mesh"), loads_ = Loads::unknown;
+        hostMesh_.init(among({"models/board.x", "models/hl.x", "models/none.x", "", "models/"}),
+                       anyImage(), chance(0.5) ? Variant() : Variant(anyDouble()));
+        hostMesh_.Translate(anyFloat(), anyFloat(), anyFloat(), anyFloat());
+        return;
+      case 47:
+      case 48:
+      case 49:
+      case 60:
+      case 61:
+        drag(s);
+        return;
+      case 50:
+        draws("pic_KeyDown"), b.pic_KeyDown(chance(0.5) ? 27 : anyInt16(), anyInt16());
+        return;
+      case 51:
+      case 52:
+        remember("advance clock"), p.advance(among({0, 1, 15, 16, 17, 500, 600, 86400000, -3000}));
+        return;
+      case 53:
+        remember("loseDevice"), p.loseDevice();
+        return;
+      case 54:
+      case 55:
+        remember("makeDeviceResettable"), p.makeDeviceResettable();
+        return;
+      case 56:
+        remember("resizeControl"), p.resizeControl(among({0, 1, 32, 64}), among({0, 1, 24, 48}));
+        return;
+      case 57:
+        remember("lose context"), p.loseContextAfter(pick(8));
+        return;
+      case 58:
+        remember("context back"), p.contextLost = false;
+        return;
+      default: {
+        remember("set a position");
+        for (int i = 0; i < 50; ++i) {
+          const int16_t code = i < 20 ? 3 : (i >= 30 ? 2 : 0);
+          b.field(static_cast<int16_t>(i), code);
+          s.fields[static_cast<size_t>(i)] = code;
+        }
+        b.clearMoveList();
+        s.moves.clear();
+        for (const char* m : {"31-27", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"}) {
+          b.addMoveList(m);
+          s.moves.push_back(m);
+        }
+        b.drawBoard();
+        // The control's own view, so that drags find the fields.
+        b.rotationHorizontalAxis(1.5707951f);
+        b.rotationVerticalAxis(-3.14159f);
+        b.viewingDistance(15);
+        p.resizeControl(64, 48);
+        return;
+      }
+    }
+  }
+
+  // Where the last frame shows a field, in twips; false while there is no device.
+  bool fieldOnScreen(int16_t field, float& x, float& y) {
+    graphics::Direct3DDevice8* device = graphics::graphicsContext().device.get();
+    if (!device || field < 1 || field > 50) return false;
+    graphics::D3DVIEWPORT8 viewport;
+    graphics::D3DMATRIX view, projection, world;
+    device->GetViewport(viewport);
+    device->GetTransform(graphics::D3DTS_VIEW, view);
+    device->GetTransform(graphics::D3DTS_PROJECTION, projection);
+    graphics::D3DXMatrixIdentity(world);
+    float bx = 0, by = 0;
+    fieldToBoard(field, bx, by);
+    D3DVECTOR out{};
+    graphics::D3DXVec3Project(out, D3DVECTOR{bx, 0.2265f, by}, viewport, projection, view, world);
+    x = out.x * 15;
+    y = out.y * 15;
+    return std::isfinite(x) && std::isfinite(y);
+  }
+
+  // A listed move carried from its first field to its last, as a user would.
+  void drag(Slot& s) {
+    drawing_ = true;
+    remember("drag a listed move");
+    if (s.moves.empty()) return;
+    s.board->render();  // the device's camera is this control's
+    if (!s.board) return;
+    const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
+    const int32_t n = countTokens(move, "-");
+    float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    if (!fieldOnScreen(tokenValue(getToken(move, "-", 1, 1)), x0, y0) ||
+        !fieldOnScreen(
+            tokenValue(getToken(move, "-", static_cast<int16_t>(n), static_cast<int16_t>(n))), x1,
+            y1)) {
+      return;
+    }
+    HostilePlatform& p = *s.platform;
+    ctlBoard* b = s.board.get();
+    p.advance(20);
+    b->pic_MouseDown(1, 0, x0, y0);
+    if (s.board.get() == b) b->pic_MouseMove(1, 0, (x0 + x1) / 2, (y0 + y1) / 2);
+    p.advance(20);
+    if (s.board.get() == b) b->pic_MouseUp(chance(0.9) ? 1 : 2, 0, x1, y1);
+  }
+
+  // A pointer event, mostly inside the picture, now and then anywhere at all.
+  void mouse(Slot& s) {
+    drawing_ = true;
+    auto coordinate = [&](float extent) {
+      return chance(0.9) ? std::uniform_real_distribution<float>(0, std::max(extent, 1.0f))(random_)
+                         : anyFloat();
+    };
+    const float x = coordinate(s.board->pic().Width), y = coordinate(s.board->pic().Height);
+    const int16_t button = chance(0.9) ? static_cast<int16_t>(among({1, 1, 1, 2, 4})) : anyInt16();
+    if (chance(0.6)) s.platform->advance(20);  // past the time gate
+    switch (pick(3)) {
+      case 0:
+        remember("pic_MouseDown"), s.board->pic_MouseDown(button, anyInt16(), x, y);
+        return;
+      case 1:
+        remember("pic_MouseMove"), s.board->pic_MouseMove(button, 0, x, y);
+        return;
+      default:
+        remember("pic_MouseUp"), s.board->pic_MouseUp(button, 0, x, y);
+        return;
+    }
+  }
+
+  // --- The invariants. ---
+  void check(Slot& s) {
+    if (!s.board) return;
+    const ctlBoard& b = *s.board;
+    for (int i = -3; i < kFieldSlots + 3; ++i) {
+      const int16_t expected = i >= 0 && i < kFieldSlots ? s.fields[static_cast<size_t>(i)] : 0;
+      const int16_t actual = b.field(static_cast<int16_t>(i));
+      if (actual == expected) continue;
+      finding("field(" + std::to_string(i) + ") reads " + std::to_string(actual) + ", not " +
+              std::to_string(expected));
+      if (i >= 0 && i < kFieldSlots) s.fields[static_cast<size_t>(i)] = actual;
+    }
+    const MoveList& list = b.moves();
+    bool sameMoves = list.moveCount == static_cast<int16_t>(s.moves.size());
+    for (size_t i = 0; sameMoves && i < s.moves.size(); ++i)
+      sameMoves = list.moveList[i] == s.moves[i];
+    if (!sameMoves)
+      finding("the move list holds " + std::to_string(list.moveCount) + " moves, not the " +
+              std::to_string(s.moves.size()) + " added");
+    const float d = b.viewingDistance();
+    if (!(d >= 0.1f && d <= 800.0f)) finding("viewingDistance " + std::to_string(d));
+    if (!std::isfinite(b.rotationVerticalAxis()) || !std::isfinite(b.rotationHorizontalAxis()))
+      finding("a view angle is not finite");
+    const ModelSet& m = b.models();
+    if (m.pieceMesh[2].visible || m.pieceMesh[2].materialCount() != 0)
+      finding("pieceMesh 2 was loaded");
+    if (m.markerMesh[17].visible || m.markerMesh[17].materialCount() != 0)
+      finding("markerMesh 17 was loaded");
+    if (b.scene().pieceObject[48].visible || b.scene().shadowObject[40].visible)
+      finding("a slot that is never drawn was made visible");
+    if (b.BackColor() != swapRedBlue(b.ambientBackColor()))
+      finding("BackColor is not the swapped ambientBackColor");
+    if (b.Timer1().Enabled && !s.everStarted) finding("Timer1 runs without a start-up");
+    if (b.gesture().rotatingBoard && b.gesture().draggingPiece)
+      finding("rotating and dragging at once");
+    f_.messageBoxes += s.platform->messages().size() - s.boxesSeen;
+    s.boxesSeen = s.platform->messages().size();
+  }
+
+  uint32_t seed_;
+  clsMesh hostMesh_;  // a mesh the host made itself, outliving controls and platforms
+  CallOrderFigures& f_;
+  std::array<Slot, kSlots> slots_;
+  TempFolder folder_;
+  bool deviceMayExist_ = false;  // an init since the last end of a control answered with a value
+  bool drawing_ = false;
+  // What the running top-level entry loads: nothing, models of its own control, or a mesh of
+  // the host's whose box goes wherever the thread's last init lives.
+  enum class Loads {
+    nothing,
+    own,
+    unknown
+  } loads_ = Loads::nothing;  // the running entry may meet a device failure
+  int depth_ = 0;
+  int op_ = 0;
+  std::string lastName_;
+};
+
+void Handlers::afterDraw(float& frameTime) {
+  ++world_.figures().frames;
+  if (!world_.deviceMayExist()) world_.finding("afterDraw with no device on the thread");
+  if (!std::isfinite(frameTime)) world_.finding("frameTime is not finite");
+  world_.maybeCallBack();
+}
+
+void Handlers::mouse(float x, float y, int16_t field) {
+  if (!std::isfinite(x) || !std::isfinite(y))
+    world_.finding("a mouse event reports no board point");
+  if (field < -1 || field > 50)
+    world_.finding("a mouse event reports field " + std::to_string(field));
+  world_.maybeCallBack();
+}
+
+// The control moved the code from the drag's source to one field: the expected array follows,
+// and nothing else may have changed.
+void Handlers::moveDone(int16_t& moveIndex, std::string& move) {
+  ++world_.figures().movesDone;
+  Slot& s = world_.slot(slot_);
+  const ctlBoard& b = *s.board;
+  // The index is the one recorded when the drag began: a handler may have emptied the list
+  // since, and the slot still holds the move that was offered.
+  if (moveIndex < 0 || static_cast<size_t>(moveIndex) >= kMaxMoves ||
+      &move != &b.moves().moveList[static_cast<size_t>(moveIndex)]) {
+    world_.finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
+  }
+  const auto source = static_cast<size_t>(b.gesture().dragSource);
+  if (source >= 50) {
+    world_.finding("moveDone from slot " + std::to_string(source));
+    return;
+  }
+  const int16_t code = s.fields[source];
+  int changed = 0;
+  std::array<int16_t, kFieldSlots> now{};
+  for (size_t i = 0; i < now.size(); ++i) now[i] = b.field(static_cast<int16_t>(i));
+  for (size_t i = 0; i < now.size(); ++i) {
+    if (i == source || now[i] == s.fields[i]) continue;
+    ++changed;
+    if (now[i] != code)
+      world_.finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
+  }
+  if (now[source] != 0 || changed > 1)
+    world_.finding("moveDone of " + move + " changed more than a move");
+  s.fields = now;
+  world_.maybeCallBack();
+}
+
+void Handlers::afterUserRotation() {
+  if (!world_.slot(slot_).board->gesture().rotatingBoard)
+    world_.finding("afterUserRotation after the rotation ended");
+  world_.maybeCallBack();
+}
+
+void Handlers::KeyDown(int16_t&, int16_t&) {
+  world_.maybeCallBack();
+}
+
+}  // namespace
+
+CallOrderFigures runCallOrder(uint32_t seed, int operations) {
+  CallOrderFigures figures;
+  {
+    World world(seed, figures);
+    world.run(operations);
+  }
+  return figures;
+}
+
+}  // namespace ostrel::testing
