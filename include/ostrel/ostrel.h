@@ -2,6 +2,7 @@
 // Everything a host needs: the control, its events, the platform interface and the headless host.
 
 #include "ostrel/HeadlessPlatform.h"
+#include "ostrel/LoadFailure.h"
 #include "ostrel/Platform.h"
 #include "ostrel/Variant.h"
 #include "ostrel/ctlBoard.h"
