@@ -23,7 +23,9 @@ LoadFailureHook setLoadFailureHook(LoadFailureHook hook) {
   return hook;
 }
 
-LoadFailure lastLoadFailure() { return failures().last; }
+LoadFailure lastLoadFailure() {
+  return failures().last;
+}
 
 namespace graphics {
 

@@ -194,7 +194,8 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
         if (mesh->HasVertexColors(0)) {
           const aiColor4D& c = mesh->mColors[0][v];
           auto byte = [](float f) {
-            return static_cast<uint32_t>(std::lround(std::clamp(std::isnan(f) ? 0.0f : f, 0.0f, 1.0f) * 255.0f));
+            return static_cast<uint32_t>(
+                std::lround(std::clamp(std::isnan(f) ? 0.0f : f, 0.0f, 1.0f) * 255.0f));
           };
           argb = byte(c.a) << 24 | byte(c.r) << 16 | byte(c.g) << 8 | byte(c.b);
         }
@@ -269,8 +270,8 @@ std::shared_ptr<Texture> CreateTextureFromFile(Direct3DDevice8& device, const st
   }
   stbi_uc* pixels = stbi_load_from_memory(bytes.data(), size, &w, &h, &n, 4);
   if (!pixels) {
-    throw D3DError(D3DXERR_INVALIDDATA, "the image cannot be decoded: " +
-                                             std::string(stbi_failure_reason()));
+    throw D3DError(D3DXERR_INVALIDDATA,
+                   "the image cannot be decoded: " + std::string(stbi_failure_reason()));
   }
   std::shared_ptr<Texture> texture;
   try {

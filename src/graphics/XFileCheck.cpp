@@ -15,7 +15,9 @@ namespace {
 constexpr int kMaxFrameDepth = 200;
 constexpr int kMaxSets = 8;  // texture coordinate and colour sets that a mesh may have
 
-std::string number(uint64_t n) { return std::to_string(n); }
+std::string number(uint64_t n) {
+  return std::to_string(n);
+}
 
 // The file's objects, in the order and with the reading rules of the model reader.
 class Checker {
@@ -179,9 +181,9 @@ class Checker {
         at = c_.offset();
         const uint32_t index = c_.integer();
         if (index >= n) {
-          throw XFileRefusal("normal face " + number(f) + " names normal " + number(index) +
-                                 " of " + number(n),
-                             at);
+          throw XFileRefusal(
+              "normal face " + number(f) + " names normal " + number(index) + " of " + number(n),
+              at);
         }
       }
       c_.optionalSeparator();
@@ -222,9 +224,9 @@ class Checker {
     }
     for (const auto& [index, offset] : used) {
       if (index >= found) {
-        throw XFileRefusal("material index " + number(index) + " in a list of " + number(found) +
-                               " materials",
-                           offset);
+        throw XFileRefusal(
+            "material index " + number(index) + " in a list of " + number(found) + " materials",
+            offset);
       }
     }
   }

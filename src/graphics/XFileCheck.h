@@ -17,10 +17,10 @@
 namespace ostrel::graphics {
 
 struct XFileFault {
-  std::string what;         // what was wrong
-  size_t offset = 0;        // byte of the file, or of the inflated data when `inflated`
-  size_t line = 0;          // for text data: the line of that byte; 0 for binary data
-  bool inflated = false;    // found in the data of a compressed file after inflating it
+  std::string what;              // what was wrong
+  size_t offset = 0;             // byte of the file, or of the inflated data when `inflated`
+  size_t line = 0;               // for text data: the line of that byte; 0 for binary data
+  bool inflated = false;         // found in the data of a compressed file after inflating it
   std::string describe() const;  // "line 12: ...", "byte 80: ...", "inflated line 3: ..."
 };
 

@@ -8,10 +8,18 @@ namespace {
 
 constexpr size_t kMaxName = 1023;  // the reader copies names into fixed 1024-byte strings
 
-bool space(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool digit(uint8_t c) { return c >= '0' && c <= '9'; }
-bool delimiter(uint8_t c) { return c == ';' || c == ',' || c == '{' || c == '}'; }
-uint8_t lower(uint8_t c) { return c >= 'A' && c <= 'Z' ? static_cast<uint8_t>(c + 32) : c; }
+bool space(uint8_t c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool digit(uint8_t c) {
+  return c >= '0' && c <= '9';
+}
+bool delimiter(uint8_t c) {
+  return c == ';' || c == ',' || c == '{' || c == '}';
+}
+uint8_t lower(uint8_t c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<uint8_t>(c + 32) : c;
+}
 
 }  // namespace
 
@@ -125,8 +133,8 @@ std::string XFileCursor::binaryToken() {
   static const char* const kPunctuation[] = {"{", "}", "(", ")", "[", "]", "<", ">", ".", ",", ";"};
   if (kind >= 0x0a && kind <= 0x14) return kPunctuation[kind - 0x0a];
   if (kind == 0x1f) return "template";
-  static const char* const kWords[] = {"WORD",  "DWORD",  "FLOAT",  "DOUBLE",  "CHAR",
-                                       "UCHAR", "SWORD",  "SDWORD", "void",    "string",
+  static const char* const kWords[] = {"WORD",    "DWORD",   "FLOAT",  "DOUBLE", "CHAR",
+                                       "UCHAR",   "SWORD",   "SDWORD", "void",   "string",
                                        "unicode", "cstring", "array"};
   if (kind >= 0x28 && kind <= 0x34) return kWords[kind - 0x28];
   return {};
@@ -294,7 +302,8 @@ std::string XFileCursor::quoted() {
   const size_t start = ++pos_;
   while (pos_ < size_ && data_[pos_] != '"') ++pos_;
   if (pos_ + 1 >= size_ || data_[pos_ + 1] != ';') refuse("'\";' expected at the end of a string");
-  if (pos_ - start > kMaxName) refuse("a string longer than " + std::to_string(kMaxName) + " bytes");
+  if (pos_ - start > kMaxName)
+    refuse("a string longer than " + std::to_string(kMaxName) + " bytes");
   std::string s(data_.begin() + static_cast<std::ptrdiff_t>(start),
                 data_.begin() + static_cast<std::ptrdiff_t>(pos_));
   pos_ += 2;
@@ -318,8 +327,8 @@ void XFileCursor::skipObject() {
 uint32_t XFileCursor::count(int numbersPerItem, const char* what) {
   const size_t at = pos_;
   const uint32_t n = integer();
-  const uint64_t least = static_cast<uint64_t>(n) * static_cast<uint64_t>(numbersPerItem) *
-                         (binary_ ? 4u : 2u);
+  const uint64_t least =
+      static_cast<uint64_t>(n) * static_cast<uint64_t>(numbersPerItem) * (binary_ ? 4u : 2u);
   if (least > remaining()) {
     throw XFileRefusal(std::string(what) + " " + std::to_string(n) + " is larger than the data",
                        at);

@@ -30,16 +30,16 @@ class XFileCursor {
   size_t lineOf(size_t offset) const;
 
   // The reader's primitives.
-  void skipLine();             // the rest of the header line
-  std::string token();         // the next token; empty at the end of the data
-  uint32_t integer();          // a whole number and, in text, its separator
-  void real();                 // a float and, in text, its separator
-  void reals(int n);           // n floats and an optional separator: a vector or a colour
-  void head(std::string* name);  // an object's optional name and its opening brace
-  std::string quoted();        // a quoted string and its semicolon
-  void separator();            // ',' or ';' (text only)
-  void semicolon();            // ';' (text only)
-  void optionalSeparator();    // one ',' or ';' if there is one (text only)
+  void skipLine();                    // the rest of the header line
+  std::string token();                // the next token; empty at the end of the data
+  uint32_t integer();                 // a whole number and, in text, its separator
+  void real();                        // a float and, in text, its separator
+  void reals(int n);                  // n floats and an optional separator: a vector or a colour
+  void head(std::string* name);       // an object's optional name and its opening brace
+  std::string quoted();               // a quoted string and its semicolon
+  void separator();                   // ',' or ';' (text only)
+  void semicolon();                   // ';' (text only)
+  void optionalSeparator();           // one ',' or ';' if there is one (text only)
   void optionalByte(char a, char b);  // skips one byte a or b after white space (text only)
   void byteIf(char a);                // skips the next byte if it is a (text only)
   void closingBrace();
