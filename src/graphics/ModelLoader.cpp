@@ -1,6 +1,8 @@
 // The D3DX loaders: .x models through Assimp after a check of the whole file, images through
 // stb_image; with the buffers they fill, vertex format sizes and error names.
 
+#include "graphics/ModelLoader.h"
+
 #include <assimp/material.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
@@ -99,11 +101,7 @@ std::vector<uint32_t> adjacencyOf(const std::vector<uint32_t>& indices) {
 
 }  // namespace
 
-std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DDevice8& device,
-                                    std::shared_ptr<D3DXBuffer>* adjacency,
-                                    std::shared_ptr<D3DXBuffer>& materials,
-                                    int32_t& materialCount) {
-  std::vector<uint8_t> bytes = readFile(path);
+XModelData readXModel(const std::vector<uint8_t>& bytes) {
   // The reader trusts what the file says; a file is checked in full before it gets there.
   if (const auto fault = checkXFile(bytes)) throw D3DError(D3DXERR_INVALIDDATA, fault->describe());
   Assimp::Importer importer;
@@ -231,14 +229,21 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
     data.subsets.push_back(r);
   }
   if (data.indices.empty()) throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no triangle in the file");
+  return {std::move(data), std::move(buffer)};
+}
 
+std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DDevice8& device,
+                                    std::shared_ptr<D3DXBuffer>* adjacency,
+                                    std::shared_ptr<D3DXBuffer>& materials,
+                                    int32_t& materialCount) {
+  XModelData model = readXModel(readFile(path));
   if (adjacency) {
     *adjacency = std::make_shared<D3DXBuffer>();
-    (*adjacency)->adjacency = adjacencyOf(data.indices);
+    (*adjacency)->adjacency = adjacencyOf(model.mesh.indices);
   }
-  auto mesh = device.CreateMesh(std::move(data));
-  materialCount = static_cast<int32_t>(buffer->materials.size());
-  materials = std::move(buffer);
+  auto mesh = device.CreateMesh(std::move(model.mesh));
+  materialCount = static_cast<int32_t>(model.materials->materials.size());
+  materials = std::move(model.materials);
   return mesh;
 }
 
