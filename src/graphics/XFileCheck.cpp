@@ -93,9 +93,12 @@ class Checker {
     const uint32_t faces = c_.count(1, "the face count");
     std::vector<uint32_t> faceSizes;
     for (uint32_t f = 0; f < faces; ++f) {
+      const size_t start = c_.next();
       const uint32_t corners = c_.integer();
+      // The reader's triangulation asserts on a face without corners.
+      if (corners == 0) throw XFileRefusal("face " + number(f) + " has no corners", start);
       for (uint32_t k = 0; k < corners; ++k) {
-        const size_t at = c_.offset();
+        const size_t at = c_.next();
         const uint32_t index = c_.integer();
         if (index >= vertices) {
           throw XFileRefusal("face " + number(f) + " names vertex " + number(index) +
@@ -147,7 +150,7 @@ class Checker {
   }
 
   void perVertex(uint32_t vertices, const char* what) {
-    const size_t at = c_.offset();
+    const size_t at = c_.next();
     const uint32_t n = c_.integer();
     if (n != vertices) {
       throw XFileRefusal(number(n) + " " + what + " for " + number(vertices) + " vertices", at);
@@ -155,7 +158,7 @@ class Checker {
   }
 
   void vertexIndex(uint32_t vertices, const char* what) {
-    const size_t at = c_.offset();
+    const size_t at = c_.next();
     const uint32_t index = c_.integer();
     if (index >= vertices) {
       throw XFileRefusal(std::string(what) + " names vertex " + number(index) + " of a mesh with " +
@@ -168,17 +171,17 @@ class Checker {
     c_.head(nullptr);
     const uint32_t n = c_.count(3, "the normal count");
     for (uint32_t k = 0; k < n; ++k) c_.reals(3);
-    size_t at = c_.offset();
+    size_t at = c_.next();
     if (c_.integer() != faceSizes.size()) {
       throw XFileRefusal("the normals' face count differs from the mesh's", at);
     }
     for (size_t f = 0; f < faceSizes.size(); ++f) {
-      at = c_.offset();
+      at = c_.next();
       if (c_.integer() != faceSizes[f]) {
         throw XFileRefusal("normal face " + number(f) + " has other corners than its face", at);
       }
       for (uint32_t k = 0; k < faceSizes[f]; ++k) {
-        at = c_.offset();
+        at = c_.next();
         const uint32_t index = c_.integer();
         if (index >= n) {
           throw XFileRefusal(
@@ -194,14 +197,14 @@ class Checker {
   void materials(uint32_t faces) {
     c_.head(nullptr);
     c_.integer();  // the count the file claims; the reader counts what follows
-    size_t at = c_.offset();
+    size_t at = c_.next();
     const uint32_t indices = c_.integer();
     if (indices != faces && !(indices == 1 && faces > 0)) {
       throw XFileRefusal(number(indices) + " material indices for " + number(faces) + " faces", at);
     }
     std::vector<std::pair<uint32_t, size_t>> used;
     for (uint32_t k = 0; k < indices; ++k) {
-      at = c_.offset();
+      at = c_.next();
       used.emplace_back(c_.integer(), at);
     }
     c_.byteIf(';');
@@ -211,7 +214,7 @@ class Checker {
       if (t.empty()) c_.refuse("the data ends inside a material list");
       if (t == "}") break;
       if (t == "{") {
-        const size_t name = c_.offset();
+        const size_t name = c_.next();
         references_.emplace_back(c_.token(), name);
         c_.closingBrace();
         ++found;
@@ -301,7 +304,7 @@ class Checker {
     const uint32_t keys = c_.integer();
     for (uint32_t k = 0; k < keys; ++k) {
       c_.integer();  // time
-      const size_t at = c_.offset();
+      const size_t at = c_.next();
       const uint32_t values = c_.integer();
       const uint32_t expected = type == 0 ? 4 : type <= 2 ? 3 : type <= 4 ? 16 : 0;
       if (expected == 0) throw XFileRefusal("animation key type " + number(type), at);

@@ -79,6 +79,11 @@ void XFileCursor::skipSpace() {
   }
 }
 
+size_t XFileCursor::next() {
+  skipSpace();
+  return pos_;
+}
+
 std::string XFileCursor::token() {
   std::string t = binary_ ? binaryToken() : textToken();
   if (t.size() > kMaxName) refuse("a name longer than " + std::to_string(kMaxName) + " bytes");
@@ -325,7 +330,7 @@ void XFileCursor::skipObject() {
 }
 
 uint32_t XFileCursor::count(int numbersPerItem, const char* what) {
-  const size_t at = pos_;
+  const size_t at = next();
   const uint32_t n = integer();
   const uint64_t least =
       static_cast<uint64_t>(n) * static_cast<uint64_t>(numbersPerItem) * (binary_ ? 4u : 2u);

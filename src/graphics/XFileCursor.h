@@ -24,6 +24,7 @@ class XFileCursor {
 
   bool binary() const { return binary_; }
   size_t offset() const { return pos_; }
+  size_t next();  // the offset of the next token, after white space and comments
   size_t remaining() const { return pos_ < size_ ? size_ - pos_ : 0; }
   [[noreturn]] void refuse(const std::string& what) const { throw XFileRefusal(what, pos_); }
   // The line of a text offset, counted from 1 after the header line.

@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,10 @@ namespace {
 constexpr size_t kFirstBlock = 16 + 6;
 constexpr uint32_t kBlockSize = 32786;  // the most that the reader inflates a block to
 constexpr uint16_t kMagic = 'C' | 'K' << 8;
+// The reader allocates a full block per block before it inflates any. Real files fill their
+// blocks and pack them at most some tens of times; tiny blocks would make it ask for gigabytes.
+constexpr uint64_t kMaxPacking = 64;
+constexpr uint64_t kFreeBytes = 32 << 20;
 
 uint16_t word(const std::vector<uint8_t>& b, size_t at) {
   return static_cast<uint16_t>(b[at] | b[at + 1] << 8);
@@ -37,7 +42,8 @@ std::vector<uint8_t> inflateXFile(const std::vector<uint8_t>& file) {
   Inflater inflater;
   z_stream& z = inflater.stream;
   std::vector<uint8_t> block(kBlockSize);
-  for (size_t at = kFirstBlock; at + 3 < file.size();) {
+  uint64_t blocks = 0;
+  for (size_t at = kFirstBlock; at + 3 < file.size(); ++blocks) {
     const uint16_t length = word(file, at);
     if (length >= kBlockSize) throw XFileRefusal("a compressed block longer than a block", at);
     if (word(file, at + 2) != kMagic) throw XFileRefusal("a compressed block without \"CK\"", at);
@@ -62,6 +68,11 @@ std::vector<uint8_t> inflateXFile(const std::vector<uint8_t>& file) {
     inflateSetDictionary(&z, block.data(), produced);
     out.insert(out.end(), block.begin(), block.begin() + produced);
     at += length;
+  }
+  if (blocks * kBlockSize > std::max<uint64_t>(kFreeBytes, kMaxPacking * file.size())) {
+    throw XFileRefusal(
+        std::to_string(blocks) + " compressed blocks in " + std::to_string(file.size()) + " bytes",
+        kFirstBlock);
   }
   return out;
 }

@@ -150,12 +150,23 @@ TEST(ModelFiles, BrokenFilesAreRefusedWithTheirCause) {
   std::string longString = binary;
   longString.replace(longString.find("wood.png") - 4, 4, std::string("\x00\x00\x00\x80", 4));
 
+  // Empty blocks: the reader would ask for a whole block of memory for each.
+  std::string tiny = "xof 0303tzip0032" + std::string(6, '\0');
+  for (int k = 0; k < 2000; ++k)
+    tiny += std::string(
+        "\x04\x00"
+        "CK"
+        "\x03\x00\x00\x00",
+        8);
+
   struct Case {
     std::string name, bytes, cause;
   };
   const Case cases[] = {
       {"faceindex.x", replaced(text, "4;0,1,2,3;", "4;0,1,2,4;"),
        "line 9: face 0 names vertex 4 of a mesh with 4 vertices"},
+      {"nocorners.x", replaced(text, "1;\n4;0,1,2,3;;", "2;\n4;0,1,2,3;,\n0;;"),
+       "line 10: face 1 has no corners"},
       {"skinindex.x", replaced(skinned, "\n0,1,2,3;", "\n0,1,9,3;"),
        "a skin weight names vertex 9 of a mesh with 4 vertices"},
       {"normalindex.x", replaced(text, "4;0,0,0,0;", "4;0,0,5,0;"),
@@ -175,6 +186,7 @@ TEST(ModelFiles, BrokenFilesAreRefusedWithTheirCause) {
       {"longstring.x", longString, "a string longer than the data"},
       {"nomagic.x", replaced(zipped, "CK", "CX"), "byte 22: a compressed block without \"CK\""},
       {"cutblock.x", zipped.substr(0, zipped.size() - 20), "a compressed block past the end"},
+      {"tinyblocks.x", tiny, "byte 22: 2000 compressed blocks in 16022 bytes"},
       {"unknownform.x", replaced(text, "txt ", "abc "), "byte 8: the unknown form \"abc \""},
       {"floatsize.x", replaced(text, "0032", "0016"), "floats of neither 32 nor 64 bits"},
       {"comma.x", replaced(text, "5.000000;", "5.000000"), "',' or ';' expected"},
