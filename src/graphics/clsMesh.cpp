@@ -7,8 +7,8 @@
 #include "graphics/LoadFailureReport.h"
 #include "graphics/TexturePath.h"
 #include "graphics/d3d8.h"
+#include "ostrel/BoardRecords.h"
 #include "ostrel/Platform.h"
-#include "ostrel/ctlBoard.h"
 
 namespace ostrel {
 
