@@ -70,3 +70,9 @@ TEST(XFileReaderAgreement, SpellingsOfNumbersSeparatorsAndStrings) {
 
 }  // namespace
 }  // namespace ostrel::testing
+
+// Fed straight to the reader here, broken files make Assimp 5.2 lose the scene it was building;
+// the check keeps such files from it everywhere else. Other leaks are still reported.
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libassimp.so\n";
+}
