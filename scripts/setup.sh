@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config clang-format
   libepoxy-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
-  libassimp-dev libstb-dev fonts-dejavu-core libsdl2-dev libx11-dev
+  libassimp-dev zlib1g-dev libstb-dev fonts-dejavu-core libsdl2-dev libx11-dev
   qt6-base-dev libqt6opengl6-dev xvfb xauth
   libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev
   libpng-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev

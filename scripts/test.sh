@@ -70,6 +70,7 @@ echo "== fuzzing"
 CC=clang-14 CXX=clang++-14 cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DOSTREL_FUZZ=ON -DOSTREL_BUILD_TESTS=OFF -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=OFF
 cmake --build build-fuzz -j "$jobs"
+build-fuzz/tests/fuzz/write_x_seeds build-fuzz/corpus
 for fuzzer in build-fuzz/tests/fuzz/fuzz_*; do
   [ -x "$fuzzer" ] || continue
   corpus="build-fuzz/corpus/$(basename "$fuzzer")"

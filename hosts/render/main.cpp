@@ -3,6 +3,7 @@
 //
 //   ostrel-render [options] [FEN]      (ostrel-render --help lists the options)
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <string>
@@ -55,10 +56,24 @@ int main(int argc, char** argv) {
   }
   board.drawBoard();
 
+  // The message boxes name a file that failed; the hook says why. A model that several meshes
+  // load (the field markers) fails once per mesh: its message and cause are printed once.
+  std::vector<ostrel::LoadFailure> failures;
+  ostrel::setLoadFailureHook([&](const ostrel::LoadFailure& f) { failures.push_back(f); });
   const auto started =
       board.init(false, options->antiAliasing, options->shadows ? 1 : 0, options->modelFolder);
+  ostrel::setLoadFailureHook(nullptr);
+  std::vector<std::string> printed;
   for (const std::string& message : platform.messages()) {
+    if (std::find(printed.begin(), printed.end(), message) != printed.end()) continue;
+    printed.push_back(message);
     std::fprintf(stderr, "%s: %s\n", program.c_str(), message.c_str());
+    for (const ostrel::LoadFailure& f : failures) {
+      if (message.ends_with(": " + f.file)) {
+        std::fprintf(stderr, "%s:   because %s\n", program.c_str(), f.cause.c_str());
+        break;
+      }
+    }
   }
   // A model or image that did not load leaves its part out of the picture: no diagram then.
   if (!started || !*started || !platform.messages().empty()) {

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "Position.h"
+#include "support/XFileSamples.h"
 #include "tests/RenderProgram.h"
 
 namespace {
@@ -212,6 +213,30 @@ TEST_F(RenderProgram, AlsoWritesTheMetafileUnderTheNameAsGiven) {
   EXPECT_NE(read("err.txt").find("x.emf"), std::string::npos);
   std::string error;
   EXPECT_FALSE(render::parseArguments({"--emf", ""}, error));
+}
+
+// Model files of every form load through the program; a broken marker model, loaded by fifteen
+// marker meshes, gives its message and its cause once.
+TEST_F(RenderProgram, ModelFilesOfEveryFormAndTheCauseOfARefusal) {
+  const std::filesystem::path models = dir_ / "models";
+  std::filesystem::copy(OSTREL_SHIPPED_MODELS, models);
+  const std::string args =
+      "--size 48 --aa 0 --models " + dir_.string() + " --out " + (dir_ / "x.png").string();
+  for (const ostrel::testing::XSample& sample : ostrel::testing::xSamples()) {
+    std::ofstream(models / "white.x", std::ios::binary) << sample.bytes;
+    EXPECT_EQ(run(args), 0) << sample.name << ": " << read("err.txt");
+  }
+  std::string broken = ostrel::testing::squareModel(ostrel::testing::XForm::Text, "hl2.png");
+  broken.replace(broken.find("4;0,1,2,3;"), 10, "4;0,1,2,7;");
+  std::ofstream(models / "hl2.x", std::ios::binary) << broken;
+  EXPECT_NE(run(args), 0);
+  const std::string err = read("err.txt");
+  const std::string message = "Model load failed: " + dir_.string() + "/models/hl2.x\n";
+  ASSERT_NE(err.find(message), std::string::npos) << err;
+  EXPECT_EQ(err.find(message, err.find(message) + 1), std::string::npos) << err;
+  const std::string cause = "because line 9: face 0 names vertex 7 of a mesh with 4 vertices\n";
+  ASSERT_NE(err.find(cause), std::string::npos) << err;
+  EXPECT_EQ(err.find(cause, err.find(cause) + 1), std::string::npos) << err;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "ostrel/BoardRecords.h"
 #include "ostrel/DeviceError.h"
 #include "ostrel/HeadlessPlatform.h"
+#include "ostrel/LoadFailure.h"
 #include "ostrel/Platform.h"
 #include "ostrel/Variant.h"
 #include "ostrel/ctlBoard.h"

@@ -1,402 +1,386 @@
 #include "graphics/XFileCheck.h"
 
-#include <cctype>
 #include <cstring>
 #include <set>
-#include <stdexcept>
+#include <utility>
+
+#include "graphics/XFileCursor.h"
+#include "graphics/XFileInflate.h"
 
 namespace ostrel::graphics {
 
 namespace {
 
-struct Refused : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
+// The reader recurses once per nested frame, and so do its later steps.
+constexpr int kMaxFrameDepth = 200;
+constexpr int kMaxSets = 8;  // texture coordinate and colour sets that a mesh may have
 
-enum class Kind { End, Word, Number, String, Open, Close, Semicolon, Comma };
+std::string number(uint64_t n) {
+  return std::to_string(n);
+}
 
-struct Token {
-  Kind kind = Kind::End;
-  std::string text;
-};
-
-// Splits the file after its header into words, numbers, strings and the four delimiters, the
-// way the model reader does; bytes that no .x file holds are refused.
-class Tokens {
- public:
-  explicit Tokens(const std::vector<uint8_t>& bytes) : b_(bytes), i_(16) { advance(); }
-
-  const Token& peek() const { return current_; }
-  Token next() {
-    Token t = current_;
-    advance();
-    return t;
-  }
-  bool at(Kind k) const { return current_.kind == k; }
-  bool atWord(const char* w) const { return current_.kind == Kind::Word && current_.text == w; }
-
- private:
-  static bool space(uint8_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-  static bool delimiter(uint8_t c) { return c == ';' || c == ',' || c == '{' || c == '}'; }
-
-  void advance() {
-    for (;;) {
-      while (i_ < b_.size() && space(b_[i_])) ++i_;
-      if (i_ < b_.size() &&
-          (b_[i_] == '#' || (b_[i_] == '/' && i_ + 1 < b_.size() && b_[i_ + 1] == '/'))) {
-        while (i_ < b_.size() && b_[i_] != '\n') ++i_;
-        continue;
-      }
-      break;
-    }
-    current_ = Token{};
-    if (i_ >= b_.size()) return;
-    const uint8_t c = b_[i_];
-    if (delimiter(c)) {
-      ++i_;
-      current_.kind = c == ';'   ? Kind::Semicolon
-                      : c == ',' ? Kind::Comma
-                      : c == '{' ? Kind::Open
-                                 : Kind::Close;
-      return;
-    }
-    if (c == '"') {
-      ++i_;
-      while (i_ < b_.size() && b_[i_] != '"') {
-        const uint8_t s = b_[i_];
-        if (s < 0x20 || s >= 0x7F || delimiter(s)) throw Refused("odd byte in a string");
-        current_.text.push_back(static_cast<char>(s));
-        ++i_;
-      }
-      if (i_ >= b_.size()) throw Refused("string without its end");
-      ++i_;
-      current_.kind = Kind::String;
-      return;
-    }
-    while (i_ < b_.size() && !space(b_[i_]) && !delimiter(b_[i_])) {
-      const uint8_t s = b_[i_];
-      if (s < 0x20 || s >= 0x7F || s == '"') throw Refused("odd byte in a word");
-      current_.text.push_back(static_cast<char>(s));
-      ++i_;
-    }
-    current_.kind = isNumber(current_.text) ? Kind::Number : Kind::Word;
-  }
-
-  static bool isNumber(const std::string& t) {
-    size_t k = 0;
-    if (k < t.size() && (t[k] == '-' || t[k] == '+')) ++k;
-    size_t digits = 0;
-    while (k < t.size() && std::isdigit(static_cast<unsigned char>(t[k]))) ++k, ++digits;
-    if (k < t.size() && t[k] == '.') {
-      ++k;
-      while (k < t.size() && std::isdigit(static_cast<unsigned char>(t[k]))) ++k, ++digits;
-    }
-    if (digits == 0) return false;
-    if (k < t.size() && (t[k] == 'e' || t[k] == 'E')) {
-      ++k;
-      if (k < t.size() && (t[k] == '-' || t[k] == '+')) ++k;
-      size_t exponent = 0;
-      while (k < t.size() && std::isdigit(static_cast<unsigned char>(t[k]))) ++k, ++exponent;
-      if (exponent == 0) return false;
-    }
-    return k == t.size();
-  }
-
-  const std::vector<uint8_t>& b_;
-  size_t i_;
-  Token current_;
-};
-
+// The file's objects, in the order and with the reading rules of the model reader.
 class Checker {
  public:
-  explicit Checker(const std::vector<uint8_t>& bytes) : t_(bytes), size_(bytes.size()) {}
+  explicit Checker(XFileCursor& c) : c_(c) {}
 
   void file() {
-    while (!t_.at(Kind::End)) {
-      if (t_.atWord("template")) {
-        t_.next();
-        templateBody();
-      } else if (t_.atWord("Frame")) {
-        t_.next();
-        frame(0);
-      } else if (t_.atWord("Mesh")) {
-        t_.next();
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) break;
+      if (t == "template") {
+        templateObject();
+      } else if (t == "Frame") {
+        frame(1);
+      } else if (t == "Mesh") {
         mesh();
-      } else if (t_.atWord("Material")) {
-        t_.next();
+      } else if (t == "AnimTicksPerSecond") {
+        c_.head(nullptr);
+        c_.integer();
+        c_.closingBrace();
+      } else if (t == "AnimationSet") {
+        animationSet();
+      } else if (t == "Material") {
         globalMaterials_.insert(material());
-      } else if (t_.atWord("AnimTicksPerSecond") || t_.atWord("AnimationSet")) {
-        throw Refused("animations are not read");
-      } else if (t_.at(Kind::Word)) {
-        t_.next();
-        unknown();
-      } else {
-        throw Refused("a data object expected");
+      } else if (t != "}") {
+        c_.skipObject();
       }
     }
-    if (meshes_ == 0) throw Refused("no mesh");
+    for (const auto& [name, offset] : references_) {
+      if (!globalMaterials_.count(name)) {
+        throw XFileRefusal("a reference to the unknown material \"" + name + "\"", offset);
+      }
+    }
   }
 
  private:
-  // Word or number that names an object, or nothing, then '{'. Gives the name.
-  std::string head() {
-    std::string name;
-    if (t_.at(Kind::Word) || t_.at(Kind::Number)) name = t_.next().text;
-    expect(Kind::Open, "'{' expected");
-    return name;
-  }
-
-  void expect(Kind k, const char* what) {
-    if (!t_.at(k)) throw Refused(what);
-    t_.next();
-  }
-  void separator() {
-    if (!t_.at(Kind::Semicolon) && !t_.at(Kind::Comma)) throw Refused("separator expected");
-    t_.next();
-  }
-  void optionalSeparator() {
-    if (t_.at(Kind::Semicolon) || t_.at(Kind::Comma)) t_.next();
-  }
-  // A whole number and its separator; counts can be no larger than the file.
-  uint64_t count() {
-    if (!t_.at(Kind::Number)) throw Refused("number expected");
-    const std::string text = t_.next().text;
-    for (char c : text) {
-      if (!std::isdigit(static_cast<unsigned char>(c))) throw Refused("whole number expected");
-    }
-    if (text.size() > 12) throw Refused("number too large");
-    const uint64_t value = std::stoull(text);
-    if (value > size_) throw Refused("count larger than the file");
-    separator();
-    return value;
-  }
-  void real() {
-    if (!t_.at(Kind::Number)) throw Refused("number expected");
-    t_.next();
-    separator();
-  }
-  void reals(int n) {
-    for (int k = 0; k < n; ++k) real();
-  }
-
-  void templateBody() {
-    head();
-    while (!t_.at(Kind::Close)) {
-      if (t_.at(Kind::End) || t_.at(Kind::Open)) throw Refused("template not closed");
-      t_.next();
-    }
-    t_.next();
-  }
-
-  // Any other object: its braces must pair up, and it holds no strings.
-  void unknown() {
-    head();
-    int depth = 1;
-    while (depth > 0) {
-      if (t_.at(Kind::End)) throw Refused("object not closed");
-      if (t_.at(Kind::String)) throw Refused("string in an unknown object");
-      if (t_.at(Kind::Open)) ++depth;
-      if (t_.at(Kind::Close)) --depth;
-      if (depth > 64) throw Refused("objects nested too deep");
-      t_.next();
+  void templateObject() {
+    c_.head(nullptr);
+    c_.token();  // its GUID, whatever it is
+    for (;;) {
+      const std::string t = c_.token();
+      if (t == "}") return;
+      if (t.empty()) c_.refuse("the data ends inside a template");
     }
   }
 
   void frame(int depth) {
-    if (depth > 64) throw Refused("frames nested too deep");
-    head();
-    while (!t_.at(Kind::Close)) {
-      if (t_.atWord("Frame")) {
-        t_.next();
+    if (depth > kMaxFrameDepth) c_.refuse("frames nested deeper than " + number(kMaxFrameDepth));
+    c_.head(nullptr);
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside a frame");
+      if (t == "}") return;
+      if (t == "Frame") {
         frame(depth + 1);
-      } else if (t_.atWord("FrameTransformMatrix")) {
-        t_.next();
-        head();
-        reals(16);
-        expect(Kind::Semicolon, "';' after the matrix expected");
-        expect(Kind::Close, "'}' after the matrix expected");
-      } else if (t_.atWord("Mesh")) {
-        t_.next();
+      } else if (t == "FrameTransformMatrix") {
+        c_.head(nullptr);
+        for (int k = 0; k < 16; ++k) c_.real();
+        c_.semicolon();
+        c_.closingBrace();
+      } else if (t == "Mesh") {
         mesh();
-      } else if (t_.at(Kind::Word)) {
-        t_.next();
-        unknown();
       } else {
-        throw Refused("a data object expected in a frame");
+        c_.skipObject();
       }
     }
-    t_.next();
   }
 
   void mesh() {
-    head();
-    const uint64_t vertices = count();
-    if (vertices == 0) throw Refused("mesh without vertices");
-    for (uint64_t v = 0; v < vertices; ++v) {
-      reals(3);
-      optionalSeparator();
-    }
-    const uint64_t faceCount = count();
-    if (faceCount == 0) throw Refused("mesh without faces");
+    c_.head(nullptr);
+    const uint32_t vertices = c_.count(3, "the vertex count");
+    for (uint32_t v = 0; v < vertices; ++v) c_.reals(3);
+    const uint32_t faces = c_.count(1, "the face count");
     std::vector<uint32_t> faceSizes;
-    faceSizes.reserve(faceCount);
-    for (uint64_t f = 0; f < faceCount; ++f) {
-      const uint64_t n = count();
-      if (n < 3) throw Refused("face with fewer than three corners");
-      for (uint64_t k = 0; k < n; ++k) {
-        if (count() >= vertices) throw Refused("face index past the last vertex");
+    for (uint32_t f = 0; f < faces; ++f) {
+      const size_t start = c_.next();
+      const uint32_t corners = c_.integer();
+      // The reader's triangulation asserts on a face without corners.
+      if (corners == 0) throw XFileRefusal("face " + number(f) + " has no corners", start);
+      for (uint32_t k = 0; k < corners; ++k) {
+        const size_t at = c_.next();
+        const uint32_t index = c_.integer();
+        if (index >= vertices) {
+          throw XFileRefusal("face " + number(f) + " names vertex " + number(index) +
+                                 " of a mesh with " + number(vertices) + " vertices",
+                             at);
+        }
       }
-      optionalSeparator();
-      faceSizes.push_back(static_cast<uint32_t>(n));
+      c_.optionalSeparator();
+      faceSizes.push_back(corners);
     }
-    bool normals = false, coords = false, colours = false, materials = false;
-    while (!t_.at(Kind::Close)) {
-      if (t_.atWord("MeshNormals") && !normals) {
-        t_.next();
-        meshNormals(faceSizes);
-        normals = true;
-      } else if (t_.atWord("MeshTextureCoords") && !coords) {
-        t_.next();
-        meshTextureCoords(vertices);
-        coords = true;
-      } else if (t_.atWord("MeshVertexColors") && !colours) {
-        t_.next();
-        meshVertexColors(vertices);
-        colours = true;
-      } else if (t_.atWord("MeshMaterialList") && !materials) {
-        t_.next();
-        meshMaterialList(faceCount);
-        materials = true;
-      } else if (t_.atWord("VertexDuplicationIndices")) {
-        t_.next();
-        unknown();
+    int coordinateSets = 0, colourSets = 0;
+    bool materialList = false;
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside a mesh");
+      if (t == "}") return;
+      if (t == "MeshNormals") {
+        normals(faceSizes);
+      } else if (t == "MeshTextureCoords") {
+        c_.head(nullptr);
+        if (++coordinateSets > kMaxSets) c_.refuse("more than 8 texture coordinate sets");
+        perVertex(vertices, "texture coordinates");
+        for (uint32_t v = 0; v < vertices; ++v) c_.reals(2);
+        c_.closingBrace();
+      } else if (t == "MeshVertexColors") {
+        c_.head(nullptr);
+        if (++colourSets > kMaxSets) c_.refuse("more than 8 vertex colour sets");
+        perVertex(vertices, "vertex colours");
+        for (uint32_t v = 0; v < vertices; ++v) {
+          vertexIndex(vertices, "a vertex colour");
+          c_.reals(4);
+          c_.optionalByte(';', ',');
+        }
+        c_.closingBrace();
+      } else if (t == "MeshMaterialList") {
+        if (materialList) c_.refuse("a second material list in one mesh");
+        materialList = true;
+        materials(static_cast<uint32_t>(faceSizes.size()));
+      } else if (t == "XSkinMeshHeader") {
+        c_.head(nullptr);
+        for (int k = 0; k < 3; ++k) c_.integer();
+        c_.closingBrace();
+      } else if (t == "SkinWeights") {
+        skinWeights(vertices);
       } else {
-        throw Refused("unexpected object in a mesh");
+        c_.skipObject();
       }
     }
-    t_.next();
-    ++meshes_;
   }
 
-  void meshNormals(const std::vector<uint32_t>& faceSizes) {
-    head();
-    const uint64_t n = count();
-    for (uint64_t v = 0; v < n; ++v) {
-      reals(3);
-      optionalSeparator();
+  void perVertex(uint32_t vertices, const char* what) {
+    const size_t at = c_.next();
+    const uint32_t n = c_.integer();
+    if (n != vertices) {
+      throw XFileRefusal(number(n) + " " + what + " for " + number(vertices) + " vertices", at);
     }
-    if (count() != faceSizes.size()) throw Refused("normal faces do not match the faces");
-    for (uint32_t size : faceSizes) {
-      if (count() != size) throw Refused("normal face of another size");
-      for (uint32_t k = 0; k < size; ++k) {
-        if (count() >= n) throw Refused("normal index past the last normal");
+  }
+
+  void vertexIndex(uint32_t vertices, const char* what) {
+    const size_t at = c_.next();
+    const uint32_t index = c_.integer();
+    if (index >= vertices) {
+      throw XFileRefusal(std::string(what) + " names vertex " + number(index) + " of a mesh with " +
+                             number(vertices) + " vertices",
+                         at);
+    }
+  }
+
+  void normals(const std::vector<uint32_t>& faceSizes) {
+    c_.head(nullptr);
+    const uint32_t n = c_.count(3, "the normal count");
+    for (uint32_t k = 0; k < n; ++k) c_.reals(3);
+    size_t at = c_.next();
+    if (c_.integer() != faceSizes.size()) {
+      throw XFileRefusal("the normals' face count differs from the mesh's", at);
+    }
+    for (size_t f = 0; f < faceSizes.size(); ++f) {
+      at = c_.next();
+      if (c_.integer() != faceSizes[f]) {
+        throw XFileRefusal("normal face " + number(f) + " has other corners than its face", at);
       }
-      optionalSeparator();
+      for (uint32_t k = 0; k < faceSizes[f]; ++k) {
+        at = c_.next();
+        const uint32_t index = c_.integer();
+        if (index >= n) {
+          throw XFileRefusal(
+              "normal face " + number(f) + " names normal " + number(index) + " of " + number(n),
+              at);
+        }
+      }
+      c_.optionalSeparator();
     }
-    optionalSeparator();
-    expect(Kind::Close, "'}' after the normals expected");
+    c_.closingBrace();
   }
 
-  void meshTextureCoords(uint64_t vertices) {
-    head();
-    if (count() != vertices) throw Refused("texture coordinates do not match the vertices");
-    for (uint64_t v = 0; v < vertices; ++v) {
-      reals(2);
-      optionalSeparator();
+  void materials(uint32_t faces) {
+    c_.head(nullptr);
+    c_.integer();  // the count the file claims; the reader counts what follows
+    size_t at = c_.next();
+    const uint32_t indices = c_.integer();
+    if (indices != faces && !(indices == 1 && faces > 0)) {
+      throw XFileRefusal(number(indices) + " material indices for " + number(faces) + " faces", at);
     }
-    optionalSeparator();
-    expect(Kind::Close, "'}' after the texture coordinates expected");
-  }
-
-  void meshVertexColors(uint64_t vertices) {
-    head();
-    const uint64_t n = count();
-    for (uint64_t k = 0; k < n; ++k) {
-      if (count() >= vertices) throw Refused("vertex colour past the last vertex");
-      reals(4);
-      optionalSeparator();
+    std::vector<std::pair<uint32_t, size_t>> used;
+    for (uint32_t k = 0; k < indices; ++k) {
+      at = c_.next();
+      used.emplace_back(c_.integer(), at);
     }
-    optionalSeparator();
-    expect(Kind::Close, "'}' after the vertex colours expected");
-  }
-
-  void meshMaterialList(uint64_t faces) {
-    head();
-    const uint64_t n = count();
-    if (n == 0) throw Refused("material list without materials");
-    const uint64_t indices = count();
-    if (indices != faces && indices != 1) throw Refused("material indices do not match the faces");
-    for (uint64_t k = 0; k < indices; ++k) {
-      if (count() >= n) throw Refused("material index past the last material");
-    }
-    uint64_t found = 0;
-    while (!t_.at(Kind::Close)) {
-      if (t_.at(Kind::Semicolon)) {
-        t_.next();
-      } else if (t_.atWord("Material")) {
-        t_.next();
+    c_.byteIf(';');
+    uint32_t found = 0;
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside a material list");
+      if (t == "}") break;
+      if (t == "{") {
+        const size_t name = c_.next();
+        references_.emplace_back(c_.token(), name);
+        c_.closingBrace();
+        ++found;
+      } else if (t == "Material") {
         material();
         ++found;
-      } else if (t_.at(Kind::Open)) {
-        t_.next();
-        if (!t_.at(Kind::Word) && !t_.at(Kind::Number)) throw Refused("material name expected");
-        if (!globalMaterials_.count(t_.next().text)) throw Refused("unknown material");
-        expect(Kind::Close, "'}' after a material reference expected");
-        ++found;
-      } else {
-        throw Refused("unexpected object in a material list");
+      } else if (t != ";") {
+        c_.skipObject();
       }
     }
-    t_.next();
-    if (found != n) throw Refused("material count does not match the materials");
+    for (const auto& [index, offset] : used) {
+      if (index >= found) {
+        throw XFileRefusal(
+            "material index " + number(index) + " in a list of " + number(found) + " materials",
+            offset);
+      }
+    }
   }
 
   std::string material() {
-    std::string name = head();
-    reals(4);
-    optionalSeparator();
-    real();
-    reals(3);
-    optionalSeparator();
-    reals(3);
-    optionalSeparator();
-    while (!t_.at(Kind::Close)) {
-      if (t_.atWord("TextureFilename") || t_.atWord("TextureFileName")) {
-        t_.next();
-        head();
-        if (!t_.at(Kind::String)) throw Refused("texture file name expected");
-        t_.next();
-        optionalSeparator();
-        expect(Kind::Close, "'}' after the texture file name expected");
+    std::string name;
+    c_.head(&name);
+    c_.reals(4);
+    c_.real();
+    c_.reals(3);
+    c_.reals(3);
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside a material");
+      if (t == "}") return name;
+      if (t == "TextureFilename" || t == "TextureFileName" || t == "NormalmapFilename" ||
+          t == "NormalmapFileName") {
+        c_.head(nullptr);
+        c_.quoted();
+        c_.closingBrace();
       } else {
-        throw Refused("unexpected object in a material");
+        c_.skipObject();
       }
     }
-    t_.next();
-    return name;
   }
 
-  Tokens t_;
-  uint64_t size_;
+  void skinWeights(uint32_t vertices) {
+    c_.head(nullptr);
+    c_.quoted();  // the bone's frame
+    const uint32_t n = c_.count(2, "the weight count");
+    for (uint32_t k = 0; k < n; ++k) vertexIndex(vertices, "a skin weight");
+    for (uint32_t k = 0; k < n; ++k) c_.real();
+    for (int k = 0; k < 16; ++k) c_.real();
+    c_.semicolon();
+    c_.closingBrace();
+  }
+
+  void animationSet() {
+    c_.head(nullptr);
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside an animation set");
+      if (t == "}") return;
+      if (t == "Animation") {
+        animation();
+      } else {
+        c_.skipObject();
+      }
+    }
+  }
+
+  void animation() {
+    c_.head(nullptr);
+    for (;;) {
+      const std::string t = c_.token();
+      if (t.empty()) c_.refuse("the data ends inside an animation");
+      if (t == "}") return;
+      if (t == "AnimationKey") {
+        animationKey();
+      } else if (t == "{") {
+        c_.token();  // the animated frame's name
+        c_.closingBrace();
+      } else {
+        c_.skipObject();
+      }
+    }
+  }
+
+  void animationKey() {
+    c_.head(nullptr);
+    const uint32_t type = c_.integer();
+    const uint32_t keys = c_.integer();
+    for (uint32_t k = 0; k < keys; ++k) {
+      c_.integer();  // time
+      const size_t at = c_.next();
+      const uint32_t values = c_.integer();
+      const uint32_t expected = type == 0 ? 4 : type <= 2 ? 3 : type <= 4 ? 16 : 0;
+      if (expected == 0) throw XFileRefusal("animation key type " + number(type), at);
+      if (values != expected) {
+        throw XFileRefusal(number(values) + " values in a key of type " + number(type), at);
+      }
+      if (type == 1 || type == 2) {
+        c_.reals(3);
+      } else {
+        for (uint32_t v = 0; v < values; ++v) c_.real();
+        c_.semicolon();
+      }
+      c_.separator();
+    }
+    c_.closingBrace();
+  }
+
+  XFileCursor& c_;
   std::set<std::string> globalMaterials_;
-  int meshes_ = 0;
+  std::vector<std::pair<std::string, size_t>> references_;
 };
 
 }  // namespace
 
-bool checkTextXFile(const std::vector<uint8_t>& bytes, std::string& why) {
-  if (bytes.size() < 16 || std::memcmp(bytes.data(), "xof ", 4) != 0 ||
-      std::memcmp(bytes.data() + 8, "txt ", 4) != 0) {
-    why = "not a text .x file";
-    return false;
+std::string XFileFault::describe() const {
+  std::string where = inflated ? "inflated " : "";
+  where += line > 0 ? "line " + number(line) : "byte " + number(offset);
+  return where + ": " + what;
+}
+
+std::optional<XFileFault> checkXFile(const std::vector<uint8_t>& bytes) {
+  XFileFault fault;
+  if (bytes.size() < 16) {
+    fault.what = "shorter than the 16-byte header";
+    return fault;
   }
+  if (std::memcmp(bytes.data(), "xof ", 4) != 0) {
+    fault.what = "no \"xof \" at the start: not a .x file";
+    return fault;
+  }
+  const std::string form(bytes.begin() + 8, bytes.begin() + 12);
+  const bool binary = form == "bin " || form == "bzip";
+  const bool compressed = form == "tzip" || form == "bzip";
+  if (!binary && !compressed && form != "txt ") {
+    fault.offset = 8;
+    fault.what = "the unknown form \"" + form + "\"";
+    return fault;
+  }
+  // The reader's own arithmetic, digits or not.
+  unsigned bits = 0;
+  for (size_t k = 12; k < 16; ++k) bits = bits * 10 + static_cast<unsigned>(bytes[k] - 48);
+  if (bits != 32 && bits != 64) {
+    fault.offset = 12;
+    fault.what = "floats of neither 32 nor 64 bits";
+    return fault;
+  }
+  std::vector<uint8_t> data;
   try {
-    Checker(bytes).file();
-  } catch (const Refused& e) {
-    why = e.what();
-    return false;
+    data = compressed ? inflateXFile(bytes) : std::vector<uint8_t>(bytes.begin() + 16, bytes.end());
+  } catch (const XFileRefusal& e) {
+    fault.offset = e.offset;
+    fault.what = e.what();
+    return fault;
   }
-  return true;
+  XFileCursor cursor(std::move(data), binary, bits / 8);
+  try {
+    if (!compressed) cursor.skipLine();
+    Checker(cursor).file();
+  } catch (const XFileRefusal& e) {
+    fault.what = e.what();
+    fault.inflated = compressed;
+    fault.offset = compressed ? e.offset : e.offset + 16;
+    if (!binary) fault.line = cursor.lineOf(e.offset);
+    return fault;
+  }
+  return std::nullopt;
 }
 
 }  // namespace ostrel::graphics

@@ -1,19 +1,30 @@
 #pragma once
-// A strict reading of a text .x file's structure, done before the model reader sees the file.
-// The reader trusts counts, indices and references; a file that lies about them can crash it or
-// make it allocate what the file's size cannot justify. Only files that pass are read.
+// A reading of a .x file's structure, done before the model reader sees the file. The reader
+// (Assimp 5.2) trusts indices and counts: a skin weight or face index past the last vertex, a
+// face list without materials, a count larger than the data, a name longer than its fixed
+// buffer, a string whose length is negative or frames nested without end make it write or read
+// out of bounds, allocate without limit or run out of stack. The check walks the file exactly as
+// the reader does, in all three forms (text, binary with 32- or 64-bit floats, and both of them
+// MSZIP-compressed), and refuses what would harm it and what it would refuse anyway; whatever
+// else it reads past (templates, animation, skinning, exporters' own objects) passes.
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace ostrel::graphics {
 
-// True when the whole file is a text .x file ("xof 0303txt 0032" and the like) made of templates,
-// frames with transform matrices, meshes with normals, texture coordinates, vertex colours and
-// material lists, materials with texture file names, and other objects with balanced braces;
-// with every count matching its items and every index and reference pointing at something that
-// exists. Otherwise false, with the reason in why.
-bool checkTextXFile(const std::vector<uint8_t>& bytes, std::string& why);
+struct XFileFault {
+  std::string what;              // what was wrong
+  size_t offset = 0;             // byte of the file, or of the inflated data when `inflated`
+  size_t line = 0;               // for text data: the line of that byte; 0 for binary data
+  bool inflated = false;         // found in the data of a compressed file after inflating it
+  std::string describe() const;  // "line 12: ...", "byte 80: ...", "inflated line 3: ..."
+};
+
+// Nothing when the reader may have the file.
+std::optional<XFileFault> checkXFile(const std::vector<uint8_t>& bytes);
 
 }  // namespace ostrel::graphics

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "graphics/GraphicsContext.h"
+#include "graphics/LoadFailureReport.h"
+#include "graphics/TexturePath.h"
 #include "graphics/d3d8.h"
 #include "ostrel/BoardRecords.h"
 #include "ostrel/Platform.h"
@@ -42,7 +44,8 @@ void clsMesh::init(const Variant& filename, const Variant& alternativeTexture,
     std::shared_ptr<D3DXBuffer> adjacency;
     mesh_ = LoadMeshFromX(modelPath, D3DXMESH_MANAGED, *context.device, &adjacency, materialBuffer,
                           materialCount_);
-  } catch (const std::exception&) {  // a D3DError, or no memory for what the file asks
+  } catch (const std::exception& e) {  // a D3DError, or no memory for what the file asks
+    reportLoadFailure(modelPath, e.what());
     showMessage("Model load failed: " + modelPath);
     return;
   }
@@ -62,11 +65,14 @@ void clsMesh::init(const Variant& filename, const Variant& alternativeTexture,
     const std::string name = BufferGetTextureName(*materialBuffer, static_cast<int32_t>(i));
     // An alternative replaces a texture; it gives none to a material that has none.
     if (name.empty()) continue;
-    const std::string texturePath =
-        context.baseDirectory + "/models/" + (alternative.empty() ? name : alternative);
+    const std::string image = alternative.empty() ? name : alternative;
+    const std::string texturePath = context.baseDirectory + "/models/" + image;
+    const std::string found = findTexture(context.baseDirectory + "/models", image);
     try {
-      textures_[i] = CreateTextureFromFile(*context.device, texturePath);
-    } catch (const std::exception&) {
+      textures_[i] = CreateTextureFromFile(*context.device, found);
+    } catch (const std::exception& e) {
+      reportLoadFailure(texturePath,
+                        found == texturePath ? e.what() : "as " + found + ": " + e.what());
       showMessage("Texture load failed: " + texturePath);
       return;
     }

@@ -1,5 +1,7 @@
-// The D3DX helpers: .x models through Assimp, images through stb_image, vertex format sizes,
-// error names, and the matrix and vector functions.
+// The D3DX loaders: .x models through Assimp after a check of the whole file, images through
+// stb_image; with the buffers they fill, vertex format sizes and error names.
+
+#include "graphics/ModelLoader.h"
 
 #include <assimp/material.h>
 #include <assimp/postprocess.h>
@@ -26,10 +28,10 @@ namespace {
 // The whole file, or a raised failure when it cannot be read.
 std::vector<uint8_t> readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw D3DError(E_FAIL, "cannot open " + path);
+  if (!in) throw D3DError(E_FAIL, "the file cannot be opened");
   std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)),
                              std::istreambuf_iterator<char>());
-  if (in.bad()) throw D3DError(E_FAIL, "cannot read " + path);
+  if (in.bad()) throw D3DError(E_FAIL, "the file cannot be read");
   return bytes;
 }
 
@@ -99,28 +101,23 @@ std::vector<uint32_t> adjacencyOf(const std::vector<uint32_t>& indices) {
 
 }  // namespace
 
-std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DDevice8& device,
-                                    std::shared_ptr<D3DXBuffer>* adjacency,
-                                    std::shared_ptr<D3DXBuffer>& materials,
-                                    int32_t& materialCount) {
-  std::vector<uint8_t> bytes = readFile(path);
+XModelData readXModel(const std::vector<uint8_t>& bytes) {
   // The reader trusts what the file says; a file is checked in full before it gets there.
-  std::string why;
-  if (!checkTextXFile(bytes, why)) throw D3DError(D3DXERR_INVALIDDATA, why + ": " + path);
+  if (const auto fault = checkXFile(bytes)) throw D3DError(D3DXERR_INVALIDDATA, fault->describe());
   Assimp::Importer importer;
   const aiScene* scene = nullptr;
   try {
     scene = importer.ReadFileFromMemory(bytes.data(), bytes.size(),
                                         aiProcess_ConvertToLeftHanded | aiProcess_Triangulate, "x");
   } catch (const std::exception& e) {
-    throw D3DError(D3DXERR_INVALIDDATA, "cannot read " + path + ": " + e.what());
+    throw D3DError(D3DXERR_INVALIDDATA, std::string("the model reader failed: ") + e.what());
   }
   if (!scene || !scene->mRootNode) {
     throw D3DError(D3DXERR_INVALIDDATA,
-                   "cannot read " + path + ": " + std::string(importer.GetErrorString()));
+                   "the model reader refused it: " + std::string(importer.GetErrorString()));
   }
   if (scene->mNumMeshes == 0 || (scene->mFlags & AI_SCENE_FLAGS_INCOMPLETE)) {
-    throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no mesh in " + path);
+    throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no mesh in the file");
   }
 
   // The materials in file order. The reader makes a nameless stand-in for a mesh without a
@@ -157,7 +154,7 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
     coords = coords && mesh->HasTextureCoords(0);
     colours = colours || mesh->HasVertexColors(0);
   }
-  if (!any) throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no mesh in " + path);
+  if (!any) throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no mesh in the file");
 
   MeshData data;
   data.fvf = D3DFVF_XYZ | (normals ? D3DFVF_NORMAL : 0) | (colours ? D3DFVF_DIFFUSE : 0) |
@@ -195,7 +192,8 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
         if (mesh->HasVertexColors(0)) {
           const aiColor4D& c = mesh->mColors[0][v];
           auto byte = [](float f) {
-            return static_cast<uint32_t>(std::lround(std::clamp(f, 0.0f, 1.0f) * 255.0f));
+            return static_cast<uint32_t>(
+                std::lround(std::clamp(std::isnan(f) ? 0.0f : f, 0.0f, 1.0f) * 255.0f));
           };
           argb = byte(c.a) << 24 | byte(c.r) << 16 | byte(c.g) << 8 | byte(c.b);
         }
@@ -230,15 +228,22 @@ std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DD
     data.indices.insert(data.indices.end(), indices.begin(), indices.end());
     data.subsets.push_back(r);
   }
-  if (data.indices.empty()) throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no faces in " + path);
+  if (data.indices.empty()) throw D3DError(D3DXERR_LOADEDMESHASNODATA, "no triangle in the file");
+  return {std::move(data), std::move(buffer)};
+}
 
+std::shared_ptr<Mesh> LoadMeshFromX(const std::string& path, uint32_t, Direct3DDevice8& device,
+                                    std::shared_ptr<D3DXBuffer>* adjacency,
+                                    std::shared_ptr<D3DXBuffer>& materials,
+                                    int32_t& materialCount) {
+  XModelData model = readXModel(readFile(path));
   if (adjacency) {
     *adjacency = std::make_shared<D3DXBuffer>();
-    (*adjacency)->adjacency = adjacencyOf(data.indices);
+    (*adjacency)->adjacency = adjacencyOf(model.mesh.indices);
   }
-  auto mesh = device.CreateMesh(std::move(data));
-  materialCount = static_cast<int32_t>(buffer->materials.size());
-  materials = std::move(buffer);
+  auto mesh = device.CreateMesh(std::move(model.mesh));
+  materialCount = static_cast<int32_t>(model.materials->materials.size());
+  materials = std::move(model.materials);
   return mesh;
 }
 
@@ -259,19 +264,19 @@ std::string BufferGetTextureName(const D3DXBuffer& buffer, int32_t index) {
 std::shared_ptr<Texture> CreateTextureFromFile(Direct3DDevice8& device, const std::string& path) {
   std::vector<uint8_t> bytes = readFile(path);
   if (bytes.empty() || bytes.size() > 0x7FFFFFFF) {
-    throw D3DError(D3DXERR_INVALIDDATA, "not an image: " + path);
+    throw D3DError(D3DXERR_INVALIDDATA, "not an image");
   }
   int w = 0, h = 0, n = 0;
   int size = static_cast<int>(bytes.size());
   // Refuse absurd sizes before anything is decoded.
   if (!stbi_info_from_memory(bytes.data(), size, &w, &h, &n) || w <= 0 || h <= 0 ||
       static_cast<uint32_t>(w) > kMaxTextureSide || static_cast<uint32_t>(h) > kMaxTextureSide) {
-    throw D3DError(D3DXERR_INVALIDDATA, "not an image: " + path);
+    throw D3DError(D3DXERR_INVALIDDATA, "not an image");
   }
   stbi_uc* pixels = stbi_load_from_memory(bytes.data(), size, &w, &h, &n, 4);
   if (!pixels) {
     throw D3DError(D3DXERR_INVALIDDATA,
-                   "cannot decode " + path + ": " + std::string(stbi_failure_reason()));
+                   "the image cannot be decoded: " + std::string(stbi_failure_reason()));
   }
   std::shared_ptr<Texture> texture;
   try {
@@ -351,170 +356,6 @@ void D3DVertexBuffer8GetData(VertexBuffer& buffer, uint32_t offset, uint32_t siz
 void D3DVertexBuffer8SetData(VertexBuffer& buffer, uint32_t offset, uint32_t size, uint32_t flags,
                              const void* data) {
   buffer.SetData(offset, size, flags, data);
-}
-
-// --- math ---
-
-D3DMATRIX* D3DXMatrixIdentity(D3DMATRIX& out) {
-  out = identityMatrix();
-  return &out;
-}
-
-D3DMATRIX* D3DXMatrixMultiply(D3DMATRIX& out, const D3DMATRIX& a, const D3DMATRIX& b) {
-  D3DMATRIX r;
-  for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) {
-      r.m[i][j] = a.m[i][0] * b.m[0][j] + a.m[i][1] * b.m[1][j] + a.m[i][2] * b.m[2][j] +
-                  a.m[i][3] * b.m[3][j];
-    }
-  }
-  out = r;
-  return &out;
-}
-
-D3DMATRIX* D3DXMatrixInverse(D3DMATRIX& out, float* determinant, const D3DMATRIX& m) {
-  // Gauss-Jordan elimination with partial pivoting, in double precision.
-  double a[4][8];
-  for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) {
-      a[i][j] = m.m[i][j];
-      a[i][j + 4] = i == j ? 1.0 : 0.0;
-    }
-  }
-  double det = 1.0;
-  for (int c = 0; c < 4; ++c) {
-    int pivot = c;
-    for (int r = c + 1; r < 4; ++r) {
-      if (std::fabs(a[r][c]) > std::fabs(a[pivot][c])) pivot = r;
-    }
-    if (a[pivot][c] == 0.0) return nullptr;
-    if (pivot != c) {
-      for (int j = 0; j < 8; ++j) std::swap(a[c][j], a[pivot][j]);
-      det = -det;
-    }
-    double p = a[c][c];
-    det *= p;
-    for (int j = 0; j < 8; ++j) a[c][j] /= p;
-    for (int r = 0; r < 4; ++r) {
-      if (r == c) continue;
-      double f = a[r][c];
-      if (f == 0.0) continue;
-      for (int j = 0; j < 8; ++j) a[r][j] -= f * a[c][j];
-    }
-  }
-  for (int i = 0; i < 4; ++i) {
-    for (int j = 0; j < 4; ++j) out.m[i][j] = static_cast<float>(a[i][j + 4]);
-  }
-  if (determinant) *determinant = static_cast<float>(det);
-  return &out;
-}
-
-D3DMATRIX* D3DXMatrixTranslation(D3DMATRIX& out, float x, float y, float z) {
-  out = identityMatrix();
-  out.m[3][0] = x;
-  out.m[3][1] = y;
-  out.m[3][2] = z;
-  return &out;
-}
-
-namespace {
-
-D3DVECTOR sub(const D3DVECTOR& a, const D3DVECTOR& b) {
-  return {a.x - b.x, a.y - b.y, a.z - b.z};
-}
-D3DVECTOR cross(const D3DVECTOR& a, const D3DVECTOR& b) {
-  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-float dot(const D3DVECTOR& a, const D3DVECTOR& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-D3DVECTOR normalize(const D3DVECTOR& v) {
-  float len = std::sqrt(dot(v, v));
-  if (len == 0.0f) return v;
-  return {v.x / len, v.y / len, v.z / len};
-}
-
-// (v, 1) times m, divided by w.
-D3DVECTOR transformCoord(const D3DVECTOR& v, const D3DMATRIX& m) {
-  float x = v.x * m.m[0][0] + v.y * m.m[1][0] + v.z * m.m[2][0] + m.m[3][0];
-  float y = v.x * m.m[0][1] + v.y * m.m[1][1] + v.z * m.m[2][1] + m.m[3][1];
-  float z = v.x * m.m[0][2] + v.y * m.m[1][2] + v.z * m.m[2][2] + m.m[3][2];
-  float w = v.x * m.m[0][3] + v.y * m.m[1][3] + v.z * m.m[2][3] + m.m[3][3];
-  if (w != 0.0f) return {x / w, y / w, z / w};
-  return {x, y, z};
-}
-
-}  // namespace
-
-D3DMATRIX* D3DXMatrixLookAtLH(D3DMATRIX& out, const D3DVECTOR& eye, const D3DVECTOR& at,
-                              const D3DVECTOR& up) {
-  D3DVECTOR z = normalize(sub(at, eye));
-  D3DVECTOR x = normalize(cross(up, z));
-  D3DVECTOR y = cross(z, x);
-  out = D3DMATRIX{};
-  out.m[0][0] = x.x;
-  out.m[1][0] = x.y;
-  out.m[2][0] = x.z;
-  out.m[0][1] = y.x;
-  out.m[1][1] = y.y;
-  out.m[2][1] = y.z;
-  out.m[0][2] = z.x;
-  out.m[1][2] = z.y;
-  out.m[2][2] = z.z;
-  out.m[3][0] = -dot(x, eye);
-  out.m[3][1] = -dot(y, eye);
-  out.m[3][2] = -dot(z, eye);
-  out.m[3][3] = 1.0f;
-  return &out;
-}
-
-D3DMATRIX* D3DXMatrixPerspectiveFovLH(D3DMATRIX& out, float fovy, float aspect, float zn,
-                                      float zf) {
-  float yScale = 1.0f / std::tan(fovy / 2.0f);
-  float xScale = yScale / aspect;
-  float q = zf / (zf - zn);
-  out = D3DMATRIX{};
-  out.m[0][0] = xScale;
-  out.m[1][1] = yScale;
-  out.m[2][2] = q;
-  out.m[2][3] = 1.0f;
-  out.m[3][2] = -zn * q;
-  return &out;
-}
-
-D3DVECTOR* D3DXVec3Unproject(D3DVECTOR& out, const D3DVECTOR& v, const D3DVIEWPORT8& viewport,
-                             const D3DMATRIX& projection, const D3DMATRIX& view,
-                             const D3DMATRIX& world) {
-  D3DMATRIX wv, wvp, inverse;
-  D3DXMatrixMultiply(wv, world, view);
-  D3DXMatrixMultiply(wvp, wv, projection);
-  if (!D3DXMatrixInverse(inverse, nullptr, wvp)) inverse = D3DMATRIX{};
-  D3DVECTOR ndc;
-  ndc.x = 2.0f * (v.x - static_cast<float>(viewport.X)) / static_cast<float>(viewport.Width) - 1.0f;
-  ndc.y =
-      1.0f - 2.0f * (v.y - static_cast<float>(viewport.Y)) / static_cast<float>(viewport.Height);
-  ndc.z = (v.z - viewport.MinZ) / (viewport.MaxZ - viewport.MinZ);
-  out = transformCoord(ndc, inverse);
-  return &out;
-}
-
-D3DVECTOR* D3DXVec3Project(D3DVECTOR& out, const D3DVECTOR& v, const D3DVIEWPORT8& viewport,
-                           const D3DMATRIX& projection, const D3DMATRIX& view,
-                           const D3DMATRIX& world) {
-  D3DMATRIX wv, wvp;
-  D3DXMatrixMultiply(wv, world, view);
-  D3DXMatrixMultiply(wvp, wv, projection);
-  D3DVECTOR c = transformCoord(v, wvp);
-  out.x = static_cast<float>(viewport.X) + (1.0f + c.x) * static_cast<float>(viewport.Width) / 2.0f;
-  out.y =
-      static_cast<float>(viewport.Y) + (1.0f - c.y) * static_cast<float>(viewport.Height) / 2.0f;
-  out.z = viewport.MinZ + c.z * (viewport.MaxZ - viewport.MinZ);
-  return &out;
-}
-
-D3DVECTOR* D3DXVec3Subtract(D3DVECTOR& out, const D3DVECTOR& a, const D3DVECTOR& b) {
-  out = sub(a, b);
-  return &out;
 }
 
 }  // namespace ostrel::graphics

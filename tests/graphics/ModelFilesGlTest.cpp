@@ -1,0 +1,258 @@
+// .x files as users bring them: every form and exporter shape loads as a piece, board and marker
+// model and draws; broken ones are refused with the same message box as ever and a cause that a
+// host can read; texture names written on Windows find their image.
+
+#include <gtest/gtest.h>
+
+#include "graphics/TexturePath.h"
+#include "graphics/XFileCheck.h"
+#include "ostrel/LoadFailure.h"
+#include "support/GraphicsFixture.h"
+#include "support/XFileSamples.h"
+
+namespace ostrel::testing {
+namespace {
+
+using namespace graphics;
+
+struct ModelFiles : GraphicsFixture {
+  ModelFiles() : GraphicsFixture(64, 64) { state().ambientBackColor = 0x102030; }
+  bool background(const std::array<int, 4>& p) {
+    return p[0] == 0x10 && p[1] == 0x20 && p[2] == 0x30;
+  }
+  // Lit red: the red image on a white material, or red vertex colours as the diffuse colour
+  // beside the white material's ambient.
+  void expectRed(const std::array<int, 4>& p, const std::string& what) {
+    EXPECT_GT(p[0], 120) << what;
+    EXPECT_GT(p[0] - p[1], 60) << what;
+  }
+};
+
+std::vector<uint8_t> bytesOf(const std::string& s) {
+  return {s.begin(), s.end()};
+}
+
+TEST(ModelFiles, EveryShapeLoadsAsPieceBoardAndMarkerAndDraws) {
+  for (const XSample& sample : xSamples()) {
+    SCOPED_TRACE(sample.name);
+    ModelFiles f;
+    f.writeFile(sample.name, sample.bytes);
+    if (!sample.image.empty()) f.writeFile(sample.image, solidPng(255, 0, 0));
+    const auto fault = checkXFile(bytesOf(sample.bytes));
+    EXPECT_FALSE(fault) << fault->describe();
+    ModelSet& m = f.state().models;
+
+    m.boardMesh.init("models/" + sample.name, "");
+    ASSERT_TRUE(m.boardMesh.visible) << lastLoadFailure().cause;
+    Image image = f.frame();
+    f.expectRed(f.at(image, 0.5f, 0, 0.5f), "board");
+    f.expectRed(f.at(image, -0.5f, 0, -0.5f), "board");
+    EXPECT_TRUE(f.background(f.at(image, 0, 0, 1.6f))) << "nothing beyond the square";
+    m.boardMesh = clsMesh();
+
+    // A piece model is scaled to a fifth and drawn where its record stands.
+    clsMesh& piece = m.pieceMesh[0];
+    piece.init("models/" + sample.name, "");
+    ASSERT_TRUE(piece.visible);
+    piece.Translate(0.23f, 0, 0, 0);
+    f.state().scene.pieceObject[0].visible = true;
+    f.state().scene.pieceObject[0].Translate(2, 0, -1);
+    image = f.frame();
+    f.expectRed(f.at(image, 2.1f, 0, -1.1f), "piece");
+    EXPECT_TRUE(f.background(f.at(image, 0, 0, 0)));
+    EXPECT_EQ(piece.mesh()->GetFVF() == 0x112, sample.name != "colours.x") << "scaled or not";
+    f.state().scene.pieceObject[0].visible = false;
+
+    clsMesh& marker = m.markerMesh[16];
+    marker.init("models/" + sample.name, "");
+    marker.visible = true;
+    marker.posX(-2);
+    marker.posZ(2);
+    image = f.frame();
+    f.expectRed(f.at(image, -2.5f, 0, 2.5f), "marker");
+    EXPECT_TRUE(f.platform.messages().empty());
+  }
+}
+
+TEST(ModelFiles, TheFramesOfSeveralMeshesAreBakedIn) {
+  ModelFiles f;
+  for (const XSample& s : xSamples()) {
+    if (s.name == "frames.x") f.writeFile(s.name, s.bytes);
+  }
+  f.writeFile("wood.png", solidPng(255, 0, 0));
+  clsMesh& board = f.state().models.boardMesh;
+  board.init("models/frames.x", "");
+  ASSERT_TRUE(board.visible);
+  // Two halves, 1 wide each, moved by +0.5 and by +0.5 - 1: together the whole square.
+  const std::vector<float> v = GraphicsFixture::vertices(*board.mesh());
+  float low = 9, high = -9;
+  for (size_t i = 0; i < v.size(); i += 8) low = std::min(low, v[i]), high = std::max(high, v[i]);
+  EXPECT_FLOAT_EQ(low, -1.0f);
+  EXPECT_FLOAT_EQ(high, 1.0f);
+  EXPECT_EQ(board.materialCount(), 2);
+}
+
+TEST(ModelFiles, CompressedFilesOfManyBlocksInflateAsTheReaderDoes) {
+  // A grid of quads whose text runs over several 32 KB blocks.
+  for (XForm form : {XForm::TextZip, XForm::BinaryZip}) {
+    XWriter w(form);
+    std::vector<std::array<double, 3>> positions;
+    std::vector<std::vector<uint32_t>> faces;
+    constexpr uint32_t n = 60;
+    for (uint32_t i = 0; i <= n; ++i) {
+      for (uint32_t j = 0; j <= n; ++j) positions.push_back({i / 30.0 - 1, 0, j / 30.0 - 1});
+    }
+    for (uint32_t i = 0; i < n; ++i) {
+      for (uint32_t j = 0; j < n; ++j) {
+        const uint32_t a = i * (n + 1) + j;
+        faces.push_back({a, a + 1, a + n + 2, a + n + 1});
+      }
+    }
+    w.mesh("Grid", positions, faces);
+    w.close();
+    const std::string bytes = w.bytes();
+    ASSERT_GT(bytes.size(), 16u + 12);
+    const auto fault = checkXFile(bytesOf(bytes));
+    EXPECT_FALSE(fault) << fault->describe();
+    ModelFiles f;
+    f.writeFile("grid.x", bytes);
+    clsMesh& board = f.state().models.boardMesh;
+    board.init("models/grid.x", "");
+    ASSERT_TRUE(board.visible) << lastLoadFailure().cause;
+    EXPECT_EQ(board.mesh()->GetNumVertices(), (n + 1) * (n + 1));
+  }
+}
+
+std::string replaced(std::string s, const std::string& from, const std::string& to) {
+  const size_t at = s.find(from);
+  if (at == std::string::npos) throw std::runtime_error("no " + from);
+  return s.replace(at, from.size(), to);
+}
+
+std::string nested(int depth) {
+  std::string s = "xof 0303txt 0032\n";
+  for (int k = 0; k < depth; ++k) s += "Frame F {\n";
+  return s + std::string(static_cast<size_t>(depth), '}');
+}
+
+TEST(ModelFiles, BrokenFilesAreRefusedWithTheirCause) {
+  const std::string text = squareModel(XForm::Text);
+  const std::string binary = squareModel(XForm::Binary32);
+  const std::string zipped = squareModel(XForm::TextZip);
+  std::string skinned;
+  for (const XSample& s : xSamples()) {
+    if (s.name == "skinned.x") skinned = s.bytes;
+  }
+  // The binary vertex count follows the name "Mesh", the name "Square", '{' and an int list.
+  std::string hugeCount = binary;
+  const size_t count = hugeCount.find("Square") + 6 + 2 + 6;
+  hugeCount.replace(count, 4, std::string("\xff\xff\xff\x7f", 4));
+  std::string longString = binary;
+  longString.replace(longString.find("wood.png") - 4, 4, std::string("\x00\x00\x00\x80", 4));
+
+  // Empty blocks: the reader would ask for a whole block of memory for each.
+  std::string tiny = "xof 0303tzip0032" + std::string(6, '\0');
+  for (int k = 0; k < 2000; ++k)
+    tiny += std::string(
+        "\x04\x00"
+        "CK"
+        "\x03\x00\x00\x00",
+        8);
+
+  struct Case {
+    std::string name, bytes, cause;
+  };
+  const Case cases[] = {
+      {"faceindex.x", replaced(text, "4;0,1,2,3;", "4;0,1,2,4;"),
+       "line 9: face 0 names vertex 4 of a mesh with 4 vertices"},
+      {"nocorners.x", replaced(text, "1;\n4;0,1,2,3;;", "2;\n4;0,1,2,3;,\n0;;"),
+       "line 10: face 1 has no corners"},
+      {"skinindex.x", replaced(skinned, "\n0,1,2,3;", "\n0,1,9,3;"),
+       "a skin weight names vertex 9 of a mesh with 4 vertices"},
+      {"normalindex.x", replaced(text, "4;0,0,0,0;", "4;0,0,5,0;"),
+       "normal face 0 names normal 5 of 1"},
+      {"nomaterials.x", text.substr(0, text.find("Material {")) + "}\n}\n",
+       "material index 0 in a list of 0 materials"},
+      {"twolists.x",
+       replaced(text, "MeshMaterialList", "MeshMaterialList {1;1;0;;{M}}\nMeshMaterialList"),
+       "a second material list in one mesh"},
+      {"colourcount.x",
+       replaced(text, "MeshMaterialList", "MeshVertexColors {3;0;1;1;1;1;;;}\nMeshMaterialList"),
+       "3 vertex colours for 4 vertices"},
+      {"longname.x", replaced(nested(1), "F {", std::string(1500, 'n') + " {"),
+       "line 2: a name longer than 1023 bytes"},
+      {"deep.x", nested(300), "line 202: frames nested deeper than 200"},
+      {"hugecount.x", hugeCount, "byte 40: the vertex count 2147483647 is larger than the data"},
+      {"longstring.x", longString, "a string longer than the data"},
+      {"nomagic.x", replaced(zipped, "CK", "CX"), "byte 22: a compressed block without \"CK\""},
+      {"cutblock.x", zipped.substr(0, zipped.size() - 20), "a compressed block past the end"},
+      {"tinyblocks.x", tiny, "byte 22: 2000 compressed blocks in 16022 bytes"},
+      {"unknownform.x", replaced(text, "txt ", "abc "), "byte 8: the unknown form \"abc \""},
+      {"floatsize.x", replaced(text, "0032", "0016"), "floats of neither 32 nor 64 bits"},
+      {"comma.x", replaced(text, "5.000000;", "5.000000"), "',' or ';' expected"},
+  };
+  ModelFiles f;
+  size_t boxes = 0;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    f.writeFile(c.name, c.bytes);
+    const auto fault = checkXFile(bytesOf(c.bytes));
+    ASSERT_TRUE(fault);
+    EXPECT_NE(fault->describe().find(c.cause), std::string::npos) << fault->describe();
+    clsMesh& board = f.state().models.boardMesh;
+    board = clsMesh();
+    board.init("models/" + c.name, "");
+    EXPECT_FALSE(board.visible);
+    ASSERT_EQ(f.platform.messages().size(), ++boxes);
+    EXPECT_EQ(f.platform.messages().back(), "Model load failed: " + f.path(c.name));
+    EXPECT_EQ(lastLoadFailure().file, f.path(c.name));
+    EXPECT_EQ(lastLoadFailure().cause, fault->describe());
+  }
+}
+
+TEST(ModelFiles, AHostHookHearsEveryFailureBeforeItsMessageBox) {
+  ModelFiles f;
+  std::vector<std::string> heard;
+  const size_t boxesBefore = f.platform.messages().size();
+  LoadFailureHook previous = setLoadFailureHook([&](const LoadFailure& failure) {
+    heard.push_back(failure.file + " | " + failure.cause);
+    EXPECT_EQ(f.platform.messages().size(), boxesBefore + heard.size() - 1);
+  });
+  f.writeFile("square.x", squareModel(XForm::Text, "gone.png"));
+  clsMesh mesh;
+  mesh.init("models/square.x", "");
+  mesh.init("models/absent.x", "");
+  setLoadFailureHook(previous);
+  mesh.init("models/absent.x", "");
+  ASSERT_EQ(heard.size(), 2u);
+  EXPECT_EQ(heard[0], f.path("gone.png") + " | the file cannot be opened");
+  EXPECT_EQ(heard[1], f.path("absent.x") + " | the file cannot be opened");
+  EXPECT_EQ(f.platform.messages().size(), boxesBefore + 3);
+}
+
+TEST(TexturePath, WindowsNamesFindTheirImageInTheModelsFolder) {
+  ModelFiles f;
+  f.writeFile("Wood.png", "x");
+  f.writeFile("maps/Grain.PNG", "x");
+  const std::string folder = f.folder / "models";
+  const std::pair<std::string, std::string> cases[] = {
+      {"Wood.png", "Wood.png"},
+      {"wood.png", "Wood.png"},
+      {".\\wood.png", "Wood.png"},
+      {".\\.\\Wood.png", "Wood.png"},
+      {"C:\\models\\WOOD.PNG", "Wood.png"},
+      {"d:wood.png", "Wood.png"},
+      {"\\\\server\\share\\Wood.png", "Wood.png"},
+      {"maps\\grain.png", "maps/Grain.PNG"},
+      {"maps/Grain.PNG", "maps/Grain.PNG"},
+      {"C:\\elsewhere\\grain.png", "C:\\elsewhere\\grain.png"},  // not in the folder itself
+      {"missing.png", "missing.png"},
+      {"", ""},
+  };
+  for (const auto& [name, expected] : cases) {
+    EXPECT_EQ(findTexture(folder, name), folder + "/" + expected) << name;
+  }
+}
+
+}  // namespace
+}  // namespace ostrel::testing
