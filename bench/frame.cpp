@@ -3,10 +3,13 @@
 // multisampling. Both are measured in the same run on the same device, alternating, so that the
 // ratio survives a busy machine.
 //
-// Each run reports the medians in milliseconds (full_ms, empty_ms), their ratio (full/empty), and
-// what the full frame sent to OpenGL (draws, programs, states, uniforms, buffers, gl_calls).
+// Each run reports the medians in milliseconds (full_ms, empty_ms), their ratio (full/empty), what
+// the full frame sent to OpenGL (draws, programs, states, uniforms, buffers, gl_calls), and the
+// renderer's own statistics of both frames where it keeps them: fragment shader invocations
+// (fs_full, fs_empty) and primitives after clipping (prims_full).
 
 #include <benchmark/benchmark.h>
+#include <epoxy/gl.h>
 
 #include <string>
 #include <vector>
@@ -58,6 +61,27 @@ struct Rig {
   bool started = false;
 };
 
+// Fragment shader invocations and primitives of one frame, from the renderer's pipeline
+// statistics; zeros where it keeps none.
+std::pair<double, double> pipelineStatistics(ctlBoard& board) {
+  if (!epoxy_has_gl_extension("GL_ARB_pipeline_statistics_query")) {
+    board.render();
+    return {0, 0};
+  }
+  GLuint q[2];
+  glGenQueries(2, q);
+  glBeginQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB, q[0]);
+  glBeginQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB, q[1]);
+  board.render();
+  glEndQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB);
+  glEndQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB);
+  GLuint64 fragments = 0, primitives = 0;
+  glGetQueryObjectui64v(q[0], GL_QUERY_RESULT, &fragments);
+  glGetQueryObjectui64v(q[1], GL_QUERY_RESULT, &primitives);
+  glDeleteQueries(2, q);
+  return {static_cast<double>(fragments), static_cast<double>(primitives)};
+}
+
 void BM_FullOverEmpty(benchmark::State& state) {
   Rig rig(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
           static_cast<int32_t>(state.range(2)));
@@ -67,6 +91,10 @@ void BM_FullOverEmpty(benchmark::State& state) {
   }
   std::vector<double> full, empty;
   graphics::DeviceCounters sent;
+  rig.empty();
+  const auto [fsEmpty, primsEmpty] = pipelineStatistics(rig.board);
+  rig.fill();
+  const auto [fsFull, primsFull] = pipelineStatistics(rig.board);
   for (auto _ : state) {
     // Eight of each, alternating, each set warmed up by one frame.
     rig.empty();
@@ -93,6 +121,10 @@ void BM_FullOverEmpty(benchmark::State& state) {
   state.counters["uniforms"] = sent.uniformUploads;
   state.counters["buffers"] = sent.bufferUploads;
   state.counters["gl_calls"] = sent.glCalls;
+  state.counters["fs_empty"] = fsEmpty;
+  state.counters["fs_full"] = fsFull;
+  state.counters["prims_empty"] = primsEmpty;
+  state.counters["prims_full"] = primsFull;
   state.SetLabel(std::to_string(state.range(0)) + "x" + std::to_string(state.range(1)) +
                  (state.range(2) ? " 4xMSAA" : ""));
 }

@@ -59,6 +59,10 @@ void GlDevice::Clear(uint32_t count, const D3DRECT* rects, uint32_t flags, uint3
   const D3DVIEWPORT8& v = state_.viewport;
   const int32_t w = static_cast<int32_t>(width_), h = static_cast<int32_t>(height_);
   bool scissor = false;
+  auto counted = [&n] {
+    ++n.stateChanges;
+    ++n.glCalls;
+  };
   auto clearArea = [&](int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
     x1 = std::max<int32_t>(x1, static_cast<int32_t>(v.X));
     y1 = std::max<int32_t>(y1, static_cast<int32_t>(v.Y));
@@ -68,13 +72,16 @@ void GlDevice::Clear(uint32_t count, const D3DRECT* rects, uint32_t flags, uint3
     const bool whole = x1 == 0 && y1 == 0 && x2 == w && y2 == h;
     if (whole && scissor) {
       glDisable(GL_SCISSOR_TEST);
+      counted();
       scissor = false;
-      ++n.stateChanges, ++n.glCalls;
     } else if (!whole) {
-      if (!scissor) glEnable(GL_SCISSOR_TEST), ++n.stateChanges, ++n.glCalls;
-      scissor = true;
+      if (!scissor) {
+        glEnable(GL_SCISSOR_TEST);
+        counted();
+        scissor = true;
+      }
       glScissor(x1, h - y2, x2 - x1, y2 - y1);
-      ++n.stateChanges, ++n.glCalls;
+      counted();
     }
     glClear(mask);
     ++n.glCalls;
@@ -85,7 +92,10 @@ void GlDevice::Clear(uint32_t count, const D3DRECT* rects, uint32_t flags, uint3
     for (uint32_t i = 0; i < count; ++i)
       clearArea(rects[i].x1, rects[i].y1, rects[i].x2, rects[i].y2);
   }
-  if (scissor) glDisable(GL_SCISSOR_TEST), ++n.stateChanges, ++n.glCalls;
+  if (scissor) {
+    glDisable(GL_SCISSOR_TEST);
+    counted();
+  }
 }
 
 void GlDevice::BeginScene() {

@@ -43,9 +43,9 @@ void GlStateCache::applyDepth(const DepthState& d) {
   DepthState& c = current_.depth;
   const bool all = !known_.depth;
   if (!all && c == d) return;
-  if (all || c.test != d.test) enable(GL_DEPTH_TEST, d.test), changed();
-  if (all || c.write != d.write) glDepthMask(d.write ? GL_TRUE : GL_FALSE), changed();
-  if (all || c.func != d.func) glDepthFunc(d.func), changed();
+  setIf(all || c.test != d.test, [&] { enable(GL_DEPTH_TEST, d.test); });
+  setIf(all || c.write != d.write, [&] { glDepthMask(d.write ? GL_TRUE : GL_FALSE); });
+  setIf(all || c.func != d.func, [&] { glDepthFunc(d.func); });
   c = d;
   known_.depth = true;
 }
@@ -54,10 +54,10 @@ void GlStateCache::applyRaster(const RasterState& r) {
   RasterState& c = current_.raster;
   const bool all = !known_.raster;
   if (!all && c == r) return;
-  if (all || c.cull != r.cull) enable(GL_CULL_FACE, r.cull), changed();
-  if (all || c.cullFace != r.cullFace) glCullFace(r.cullFace), changed();
-  if (all || c.polygonMode != r.polygonMode)
-    glPolygonMode(GL_FRONT_AND_BACK, r.polygonMode), changed();
+  setIf(all || c.cull != r.cull, [&] { enable(GL_CULL_FACE, r.cull); });
+  setIf(all || c.cullFace != r.cullFace, [&] { glCullFace(r.cullFace); });
+  setIf(all || c.polygonMode != r.polygonMode,
+        [&] { glPolygonMode(GL_FRONT_AND_BACK, r.polygonMode); });
   c = r;
   known_.raster = true;
 }
@@ -69,7 +69,7 @@ void GlStateCache::applyBlend(const BlendState& b) {
       (!b.enabled || (c.src == b.src && c.dst == b.dst))) {
     return;
   }
-  if (all || c.enabled != b.enabled) enable(GL_BLEND, b.enabled), changed();
+  setIf(all || c.enabled != b.enabled, [&] { enable(GL_BLEND, b.enabled); });
   // Factors matter only while blending; a disabled draw leaves the last ones in place.
   if (b.enabled && (all || c.src != b.src || c.dst != b.dst)) {
     glBlendFunc(b.src, b.dst);
@@ -163,7 +163,7 @@ void GlStateCache::setClear(const ClearState& clear) {
     glClearColor(clear.colour[0], clear.colour[1], clear.colour[2], clear.colour[3]);
     changed();
   }
-  if (all || c.depth != clear.depth) glClearDepth(clear.depth), changed();
+  setIf(all || c.depth != clear.depth, [&] { glClearDepth(clear.depth); });
   c = clear;
   known_.clear = true;
 }

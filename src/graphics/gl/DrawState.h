@@ -126,6 +126,12 @@ class GlStateCache {
   void applyRaster(const RasterState& r);
   void applyBlend(const BlendState& b);
   void applySampler(const SamplerState& s, GLuint sampler);
+  template <typename Call>
+  void setIf(bool differs, Call call) {
+    if (!differs) return;
+    call();
+    changed();
+  }
   void changed(uint32_t calls = 1) {
     counters_.stateChanges += calls;
     counters_.glCalls += calls;
