@@ -10,6 +10,12 @@ bash scripts/setup.sh
 
 echo "== format"
 git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+# Includes of the library name a layer root ("graphics/Frame.h"); a relative climb would pass by
+# the per-layer include roots that keep the dependencies one-way.
+if git grep -n '#include "\.\./' -- src include; then
+  echo "library includes must not climb out of their folder" >&2
+  exit 1
+fi
 
 echo "== build and test"
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo

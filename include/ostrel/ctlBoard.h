@@ -2,169 +2,16 @@
 // The 3D draughts board control: the one object a host sees, its child objects, the records it
 // keeps of the scene, and the events it raises.
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "ostrel/BoardRecords.h"
 #include "ostrel/Platform.h"
 #include "ostrel/Variant.h"
 
 namespace ostrel {
-
-struct D3DVECTOR {
-  float x = 0, y = 0, z = 0;
-};
-
-struct D3DCOLORVALUE {
-  float r = 0, g = 0, b = 0, a = 0;
-};
-
-struct D3DMATERIAL8 {
-  D3DCOLORVALUE Diffuse, Ambient, Specular, Emissive;
-  float Power = 0;
-};
-
-// Child objects of the control, sizes in twips, colours 0x00BBGGRR.
-struct PictureBox {
-  float Width = 0, Height = 0;
-  bool Visible = true;
-  int16_t MousePointer = 0;
-};
-
-struct Label {
-  float Left = 0, Top = 0, Width = 0, Height = 0;
-  bool Visible = true;
-  std::string Caption;
-  int32_t BackColor = 0, ForeColor = 0;
-  std::string FontName;
-  float FontSize = 0;
-  int16_t FontWeight = 400;
-  const Label* Parent = nullptr;  // the frame that holds this label; nullptr for the frame itself
-};
-
-struct TimerControl {
-  int32_t Interval = 100;
-  bool Enabled = false;
-};
-
-// Position record of one disc or shadow; no geometry of its own.
-class cls3DobjectInfo {
- public:
-  bool visible = false;
-  float posX() const { return posX_; }
-  float posY() const { return posY_; }
-  float posZ() const { return posZ_; }
-  // Absolute: stores x, height, y.
-  void Translate(float x, float y, float z) {
-    posX_ = x;
-    posY_ = y;
-    posZ_ = z;
-  }
-
- private:
-  float posX_ = 0, posY_ = 0, posZ_ = 0;
-};
-
-namespace graphics {
-class Mesh;
-class Texture;
-}  // namespace graphics
-
-// One renderable model: a .x file, its materials and textures, and one position.
-class clsMesh {
- public:
-  bool visible = false;  // gate of render; init sets it only when the load completed
-
-  float posX() const { return posX_; }
-  float posY() const { return posY_; }
-  float posZ() const { return posZ_; }
-  void posX(float value) { posX_ = value; }
-  void posY(float value) { posY_ = value; }
-  void posZ(float value) { posZ_ = value; }
-  int32_t materialCount() const { return materialCount_; }
-
-  // Loads baseDirectory + separator + filename. An empty diffuse means none was passed; a given
-  // one sets the diffuse alpha of every material.
-  void init(const Variant& filename, const Variant& alternativeTexture,
-            const Variant& diffuse = Variant());
-  void reScale(float factor);
-  // Bakes a scale and a move into the vertices (only for the position-normal-texture format).
-  void Translate(float scaleFactor, float x, float y, float z);
-  void render();
-
-  // Inspection.
-  const D3DMATERIAL8& material(int32_t i) const { return materials_.at(static_cast<size_t>(i)); }
-  bool hasTexture(int32_t i) const;
-  bool hasMesh() const { return mesh_ != nullptr; }
-  const graphics::Mesh* mesh() const { return mesh_.get(); }
-
- private:
-  std::shared_ptr<graphics::Mesh> mesh_;
-  std::vector<D3DMATERIAL8> materials_;
-  std::vector<std::shared_ptr<graphics::Texture>> textures_;
-  int32_t materialCount_ = 0;
-  float posX_ = 0, posY_ = 0, posZ_ = 0;
-};
-
-// Where every disc and shadow stands, and which disc stands on which field (slot = field - 1).
-struct Scene {
-  std::array<cls3DobjectInfo, 49> pieceObject;   // 0..23 white, 24..47 black, 48 never drawn
-  std::array<cls3DobjectInfo, 41> shadowObject;  // 0..39 used, 40 never drawn
-  std::array<int16_t, 51> fieldPiece{};
-  std::array<int16_t, 51> fieldKingTop{};
-  std::array<int16_t, 51> fieldShadow{};
-  std::array<int32_t, 52> shuffleOrder{};  // 1..50: the falling order of a build-up
-  std::array<int16_t, 51> savedFieldPiece{};
-  std::array<int16_t, 51> savedFieldKingTop{};
-};
-
-struct ModelSet {
-  clsMesh boardMesh;
-  std::array<clsMesh, 18> markerMesh;  // 0 hover, 1..15 fields, 16 last move, 17 unused
-  std::array<clsMesh, 3> pieceMesh;    // 0 white, 1 black, 2 never loaded
-  clsMesh shadowMesh;
-};
-
-struct MoveList {
-  std::array<std::string, 257> moveList;  // normal forms; at most 256 are held
-  int16_t moveCount = 0;
-};
-
-struct GestureState {
-  bool rotatingBoard = false;
-  bool draggingPiece = false;
-  float lastMouseX = 0, lastMouseY = 0;    // twips, at the last press or rotation step
-  float grabOffsetX = 0, grabOffsetY = 0;  // board units: press point minus the lifted disc
-  int16_t dragPiece = 0, dragKingTop = 0, dragShadow = 0, dragSource = 0;
-  std::array<bool, 51> legalTarget{};
-  std::array<int16_t, 51> targetMove{};
-};
-
-// The host's listener. Every member has an empty default body; arguments go by reference.
-class ctlBoardEvents {
- public:
-  virtual ~ctlBoardEvents() = default;
-  virtual void afterDraw(float& frameTime) { (void)frameTime; }
-  virtual void debugMessage(std::string& s) { (void)s; }
-  virtual void mouseDown(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-                         int16_t& field) {
-    (void)button, (void)Shift, (void)boardX, (void)boardY, (void)field;
-  }
-  virtual void mouseUp(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-                       int16_t& field) {
-    (void)button, (void)Shift, (void)boardX, (void)boardY, (void)field;
-  }
-  virtual void mouseMove(int16_t& button, int16_t& Shift, float& boardX, float& boardY,
-                         int16_t& field) {
-    (void)button, (void)Shift, (void)boardX, (void)boardY, (void)field;
-  }
-  virtual void moveDone(int16_t& moveIndex, std::string& move) { (void)moveIndex, (void)move; }
-  virtual void afterUserRotation() {}
-  virtual void KeyDown(int16_t& KeyCode, int16_t& Shift) { (void)KeyCode, (void)Shift; }
-};
 
 struct ControlState;
 
@@ -176,50 +23,81 @@ class ctlBoard {
   ctlBoard& operator=(const ctlBoard&) = delete;
   void setEventSink(ctlBoardEvents* sink);  // nullptr: events go nowhere
 
-  int32_t timerAfterLastRender() const;              // 1
-  void timerAfterLastRender(int32_t value);          // 2
-  bool highlightLastMove() const;                    // 3
-  void highlightLastMove(bool value);                // 4
-  void alternativeBoard(const std::string& s);       // 5
-  void setHighLightField(int16_t hl);                // 6
+  // The 42 entries in slot order; a property's getter and setter share its name.
+
+  // Clock (timeGetTime, ms) at the end of the last complete frame; mouse moves within 15 ms of it
+  // are dropped.
+  int32_t timerAfterLastRender() const;      // 1
+  void timerAfterLastRender(int32_t value);  // 2
+  // Whether setHighLightField marks the last move.
+  bool highlightLastMove() const;      // 3
+  void highlightLastMove(bool value);  // 4
+  // Image file (in the model folder) for the board; reloads the board when it changes.
+  void alternativeBoard(const std::string& s);  // 5
+  // Marks field hl as the last move when hl > 0 and highlightLastMove is on; hides the mark
+  // otherwise.
+  void setHighLightField(int16_t hl);  // 6
+  // Image files for the white and the black pieces; reload the pieces when they change.
   void alternativePieceWhite(const std::string& s);  // 7
   void alternativePieceBlack(const std::string& s);  // 8
-  std::string modelDir() const;                      // 9
-  std::string alternativeBoard() const;              // 10
-  std::string alternativePieceWhite() const;         // 11
-  std::string alternativePieceBlack() const;         // 12
-  void field(int16_t index, int16_t value);          // 13
-  bool userRotationEnabled() const;                  // 14
-  void userRotationEnabled(bool value);              // 15
-  bool userMoveEnabled() const;                      // 16
-  void userMoveEnabled(bool value);                  // 17
-  int32_t ambientBackColor() const;                  // 18
-  void ambientBackColor(int32_t col);                // 19
-  int16_t field(int16_t index) const;                // 20
-  void rotationVerticalAxis(float value);            // 21
-  float rotationVerticalAxis() const;                // 22
-  void rotationHorizontalAxis(float value);          // 23
-  float rotationHorizontalAxis() const;              // 24
-  void viewingDistance(float value);                 // 25
-  float viewingDistance() const;                     // 26
-  void clearMoveList();                              // 27
-  void addMoveList(const std::string& strMove);      // 28
+  // Folder the models are read from: the base directory + "/models", empty before init.
+  std::string modelDir() const;               // 9
+  std::string alternativeBoard() const;       // 10
+  std::string alternativePieceWhite() const;  // 11
+  std::string alternativePieceBlack() const;  // 12
+  // Writes the code (FieldCode) of field slot index (0..50); drawBoard shows it.
+  void field(int16_t index, int16_t value);  // 13
+  // Whether the right button turns the view.
+  bool userRotationEnabled() const;      // 14
+  void userRotationEnabled(bool value);  // 15
+  // Whether the left button may carry a piece along a listed move.
+  bool userMoveEnabled() const;      // 16
+  void userMoveEnabled(bool value);  // 17
+  // Background colour of the frame, 0x00RRGGBB.
+  int32_t ambientBackColor() const;    // 18
+  void ambientBackColor(int32_t col);  // 19
+  // Reads the code of field slot index; 0 outside 0..50.
+  int16_t field(int16_t index) const;  // 20
+  // The camera: azimuth and elevation in radians, and distance (limited to 0.1..800).
+  void rotationVerticalAxis(float value);    // 21
+  float rotationVerticalAxis() const;        // 22
+  void rotationHorizontalAxis(float value);  // 23
+  float rotationHorizontalAxis() const;      // 24
+  void viewingDistance(float value);         // 25
+  float viewingDistance() const;             // 26
+  // The moves a user may make: emptied, then filled one move string at a time.
+  void clearMoveList();                          // 27
+  void addMoveList(const std::string& strMove);  // 28
+  // Starts the graphics: log, device, models, first frame. true on success, false after a
+  // reported failure, no value when no device could be had. ap: base directory (empty: the
+  // application's folder).
   std::optional<bool> init(bool qTrans, int32_t qAA, int32_t qShadow,
                            const std::string& ap = {});  // 29
+  // The status frame over the picture: text, shown or hidden, fill in percent.
   void showProgressBar(const Variant& status, const Variant& visible,
                        const Variant& percentage);  // 30
-  void initAnimation();                             // 31
-  void stopAnimation();                             // 32
-  void animation(double dblTime);                   // 33
-  void drawBoard();                                 // 34
-  void render();                                    // 35
-  void setInitString(const std::string& v);         // 36
-  void showMove(const std::string& strMove);        // 37
+  // The falling-pieces build-up of the current position: prepare, give up, draw at a time.
+  void initAnimation();            // 31
+  void stopAnimation();            // 32
+  void animation(double dblTime);  // 33
+  // Places discs, shadows and markers from the field codes; draws nothing.
+  void drawBoard();  // 34
+  // Draws one frame and raises afterDraw.
+  void render();  // 35
+  // Text of the status frame.
+  void setInitString(const std::string& v);  // 36
+  // Plays a move string: the piece lifts, travels its route and lands; returns when it has.
+  void showMove(const std::string& strMove);  // 37
+  // A vector of three values.
   D3DVECTOR vec3(float x, float y, float z) const;  // 38
-  void SetupLights();                               // 39
-  void resize();                                    // 40
-  void screenDump(const std::string& filename);     // 41
-  void setHLfields(const std::string& fields);      // 42
+  // Material, light and filters of the frame.
+  void SetupLights();  // 39
+  // Follows a change of the control's size.
+  void resize();  // 40
+  // Draws a frame and saves what the window shows as an enhanced metafile.
+  void screenDump(const std::string& filename);  // 41
+  // Marks the fields of a "|" list, up to 15.
+  void setHLfields(const std::string& fields);  // 42
 
   // Incoming platform events, on the control's thread.
   void Paint();

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "ostrel/ctlBoard.h"
+#include "ostrel/BoardRecords.h"
 
 namespace ostrel::board {
 

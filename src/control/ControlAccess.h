@@ -1,7 +1,8 @@
 #pragma once
 // The control's member record behind the facade, for the library's own code and its tests.
 
-#include "control/ControlState.h"
+#include "ostrel/ctlBoard.h"
+#include "state/ControlState.h"
 
 namespace ostrel {
 

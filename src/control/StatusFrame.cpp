@@ -2,10 +2,6 @@
 
 namespace ostrel::control {
 
-float progressFull(ControlState& s) {
-  return s.label1.Width - 2 * s.platform.TwipsPerPixelX();
-}
-
 void showProgressBar(ControlState& s, const Variant& status, const Variant& visible,
                      const Variant& percentage) {
   double p = percentage.leadingNumber();

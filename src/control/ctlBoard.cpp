@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "board/MoveList.h"
-#include "control/ControlState.h"
+#include "control/ControlAccess.h"
 #include "control/StatusFrame.h"
 #include "graphics/Frame.h"
 #include "graphics/GraphicsContext.h"
@@ -21,14 +21,13 @@
 #include "scene/Markers.h"
 #include "scene/Playback.h"
 #include "scene/Population.h"
+#include "state/ControlState.h"
 
 namespace ostrel {
 
-namespace {
-constexpr int kFieldSlots = 51;
-}
-
-ctlBoard::ctlBoard(Platform& platform) : s_(std::make_unique<ControlState>(platform)) {
+// The scene and the gestures draw through this callback; only the control knows the graphics.
+ctlBoard::ctlBoard(Platform& platform)
+    : s_(std::make_unique<ControlState>(platform, [this] { graphics::render(*s_); })) {
   platform.attachControl(&s_->backColor, &s_->label1, &s_->lblStatus, &s_->lblProgress);
 }
 
@@ -250,6 +249,10 @@ void ctlBoard::screenDump(const std::string& filename) {
   render();
   output::HENHMETAFILE mf = ModPrintScreen::writeWindowMetafile(&s_->platform, filename);
   if (mf) output::DeleteEnhMetaFile(mf);
+}
+
+ControlState& controlState(ctlBoard& board) {
+  return *board.s_;
 }
 
 }  // namespace ostrel

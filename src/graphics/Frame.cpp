@@ -60,7 +60,7 @@ void render(ControlState& s) {
   d.SetRenderState(D3DRS_DESTBLEND, D3DBLEND_DESTCOLOR);
   d.SetTextureStageState(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE);
   d.SetRenderState(D3DRS_ALPHABLENDENABLE, 1);
-  for (size_t i = 0; i <= 16; ++i) m.markerMesh[i].render();
+  for (size_t i = 0; i <= kLastMoveMarker; ++i) m.markerMesh[i].render();
 
   // Shadows: destination x source colour.
   d.SetRenderState(D3DRS_SRCBLEND, D3DBLEND_ZERO);

@@ -3,8 +3,8 @@
 // afterDraw. And what the frame sets up before the scene: the light, the filters, the camera and
 // the projection.
 
-#include "control/ControlState.h"
 #include "graphics/d3d8types.h"
+#include "state/ControlState.h"
 
 namespace ostrel::graphics {
 

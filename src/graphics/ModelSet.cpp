@@ -1,8 +1,5 @@
 #include "graphics/ModelSet.h"
 
-#include "control/StatusFrame.h"
-#include "scene/Markers.h"
-
 namespace ostrel::graphics {
 
 namespace {
@@ -32,17 +29,17 @@ void setPieceImage(ControlState& s, std::string& member, const std::string& name
 void loadBoardAndMarkers(ControlState& s) {
   if (s.alternativeBoard.empty()) s.alternativeBoard = kDefaultBoardImage;
   s.models.boardMesh.init(kBoardModel, s.alternativeBoard);
-  loadHiddenMarker(s.models.markerMesh[scene::kHoverMarker], kHoverMarkerModel);
+  loadHiddenMarker(s.models.markerMesh[kHoverMarker], kHoverMarkerModel);
   // Each field marker holds its own copy of the model.
-  for (int i = scene::kFirstListMarker; i <= scene::kLastListMarker; ++i) {
+  for (int i = kFirstListMarker; i <= kLastListMarker; ++i) {
     loadHiddenMarker(s.models.markerMesh[static_cast<size_t>(i)], kFieldMarkerModel);
   }
-  loadHiddenMarker(s.models.markerMesh[scene::kLastMoveMarker], kLastMoveMarkerModel);
+  loadHiddenMarker(s.models.markerMesh[kLastMoveMarker], kLastMoveMarkerModel);
 }
 
 void loadPieceMeshes(ControlState& s) {
   Platform& platform = s.platform;
-  const float full = control::progressFull(s);
+  const float full = progressFull(s);
   s.lblProgress.Left = 0;
   s.lblProgress.Top = 0;
   s.lblProgress.Width = full;

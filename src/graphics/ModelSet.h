@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::graphics {
 

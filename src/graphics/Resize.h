@@ -2,7 +2,7 @@
 // Following a change of the control's size: the picture box at once with a stretched frame, the
 // device's back buffer half a second after the last change.
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::graphics {
 

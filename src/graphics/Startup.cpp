@@ -18,7 +18,8 @@ constexpr const char* kFailureText =
 
 // The state of the first frame: the vertex format of the fixed-function vertices, depth test on,
 // full ambient until the first frame's lights replace it.
-constexpr uint32_t kDefaultVertexFormat = 0x1C4;
+constexpr uint32_t kDefaultVertexFormat =
+    D3DFVF_XYZRHW | D3DFVF_DIFFUSE | D3DFVF_SPECULAR | D3DFVF_TEX1;  // 0x1C4
 constexpr uint32_t kFullAmbient = 0xFFFFFFFF;
 
 constexpr int32_t kSamplesGood = 4;
@@ -91,7 +92,7 @@ std::optional<bool> startDevice(ControlState& s, DiagnosticLog& log) {
   pp.Windowed = 1;
   const int32_t typeResult =
       d3d.CheckDeviceType(D3DADAPTER_DEFAULT, deviceType, mode.Format, mode.Format, pp.Windowed);
-  if (typeResult != 0) {
+  if (typeResult != D3D_OK) {
     log.line("CheckDeviceType with error code " + std::to_string(typeResult));
     return std::nullopt;
   }
@@ -103,11 +104,11 @@ std::optional<bool> startDevice(ControlState& s, DiagnosticLog& log) {
   pp.EnableAutoDepthStencil = 1;
   pp.AutoDepthStencilFormat = D3DFMT_D16;
   s.anisotropyLevel = 0;
-  if (s.qAA > 1 && samplesBest == 0) {
+  if (s.qAA > 1 && samplesBest == D3D_OK) {
     pp.MultiSampleType = kSamplesBest;
     pp.SwapEffect = D3DSWAPEFFECT_DISCARD;
     s.anisotropyLevel = kAnisotropyBest;
-  } else if (s.qAA > 0 && samplesGood == 0) {
+  } else if (s.qAA > 0 && samplesGood == D3D_OK) {
     pp.MultiSampleType = kSamplesGood;
     pp.SwapEffect = D3DSWAPEFFECT_DISCARD;
     s.anisotropyLevel = kAnisotropyGood;

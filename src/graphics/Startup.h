@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::graphics {
 

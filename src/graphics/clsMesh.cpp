@@ -5,8 +5,8 @@
 
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
+#include "ostrel/BoardRecords.h"
 #include "ostrel/Platform.h"
-#include "ostrel/ctlBoard.h"
 
 namespace ostrel {
 

@@ -4,23 +4,16 @@
 
 #include <cstdint>
 
-#include "ostrel/ctlBoard.h"  // D3DVECTOR, D3DCOLORVALUE, D3DMATERIAL8
+#include "ostrel/BoardRecords.h"  // D3DVECTOR, D3DCOLORVALUE, D3DMATERIAL8
+#include "state/Matrix.h"
 
 namespace ostrel::graphics {
 
 using ostrel::D3DCOLORVALUE;
 using ostrel::D3DMATERIAL8;
+using ostrel::D3DMATRIX;
 using ostrel::D3DVECTOR;
-
-struct D3DMATRIX {
-  float m[4][4] = {};
-};
-
-inline D3DMATRIX identityMatrix() {
-  D3DMATRIX r;
-  for (int i = 0; i < 4; ++i) r.m[i][i] = 1.0f;
-  return r;
-}
+using ostrel::identityMatrix;
 
 struct D3DVIEWPORT8 {
   uint32_t X = 0, Y = 0, Width = 0, Height = 0;

@@ -21,7 +21,6 @@
 #include <string_view>
 
 #include "board/MoveList.h"
-#include "graphics/Frame.h"
 #include "interaction/Picking.h"
 #include "ostrel/notation.h"
 #include "scene/Markers.h"
@@ -35,7 +34,6 @@ namespace {
 
 constexpr int16_t kLeftButton = 1;
 constexpr int16_t kRightButton = 2;
-constexpr int kFields = 50;
 
 constexpr float kDragHeight = static_cast<float>(scene::kRestHeight + kDragLift);  // 0.4765
 constexpr float kDragTopHeight = scene::stackedHeight(kDragHeight);                // 0.6865
@@ -61,7 +59,7 @@ bool startsDrag(const ControlState& s, int16_t Button, int16_t field) {
   if (Button != kLeftButton || s.gesture.rotatingBoard || !s.userMoveEnabled) return false;
   if (s.moves.moveCount < 2 || field <= 0 || field > kFields) return false;
   const auto slot = static_cast<size_t>(field - 1);
-  if (s.fieldCode[slot] == 0 || !board::findMoveBySource(s.moves, field)) return false;
+  if (s.fieldCode[slot] == kEmptyField || !board::findMoveBySource(s.moves, field)) return false;
   const int16_t disc = s.scene.fieldPiece[slot];
   return disc >= 0 && disc < scene::kPlacedDiscs;
 }
@@ -78,7 +76,7 @@ void markDestinations(ControlState& s, int16_t field) {
     const std::string& move = s.moves.moveList[static_cast<size_t>(i)];
     if (firstField(move) != field) continue;
     const int16_t dest = lastField(move);
-    if (marker <= scene::kLastListMarker) {
+    if (marker <= kLastListMarker) {
       scene::placeMarker(s.models.markerMesh[static_cast<size_t>(marker)], dest,
                          scene::kMoveMarkerHeight);
       ++marker;
@@ -124,7 +122,7 @@ int16_t carryPiece(ControlState& s, float boardX, float boardY) {
   GestureState& g = s.gesture;
   float px = 0, py = 0;
   const int16_t f = fieldUnderPiece(g, boardX, boardY, px, py);
-  clsMesh& hover = s.models.markerMesh[scene::kHoverMarker];
+  clsMesh& hover = s.models.markerMesh[kHoverMarker];
   if (isLegalTarget(g, f)) {
     scene::placeMarker(hover, f, scene::kFieldMarkerHeight);
   } else {
@@ -139,7 +137,7 @@ int16_t carryPiece(ControlState& s, float boardX, float boardY) {
   }
   scene::translateIf(scene::shadowAt(s, g.dragShadow), scene::shadowX(px, level),
                      scene::kShadowHeight, scene::shadowY(py, level));
-  graphics::render(s);
+  s.redraw();
   return f;
 }
 
@@ -152,7 +150,7 @@ void acceptDrop(ControlState& s, int16_t f) {
   const int32_t source = g.dragSource;
   if (source >= 0 && source < kFields && static_cast<size_t>(source) != target) {
     s.fieldCode[target] = s.fieldCode[static_cast<size_t>(source)];
-    s.fieldCode[static_cast<size_t>(source)] = 0;
+    s.fieldCode[static_cast<size_t>(source)] = kEmptyField;
   }
   // Both arguments are the control's own slots, not copies.
   int16_t& moveIndex = g.targetMove[target];
@@ -164,7 +162,7 @@ void acceptDrop(ControlState& s, int16_t f) {
 }  // namespace
 
 void hideDragMarkers(ControlState& s) {
-  for (int i = scene::kHoverMarker; i <= scene::kLastListMarker; ++i)
+  for (int i = kHoverMarker; i <= kLastListMarker; ++i)
     s.models.markerMesh[static_cast<size_t>(i)].visible = false;
 }
 
@@ -184,7 +182,7 @@ void pic_MouseDown(ControlState& s, int16_t Button, int16_t Shift, float X, floa
     // Lifts the piece at once, unless the time gate is closed; then the first frame shows the
     // markers with the piece still at rest.
     pic_MouseMove(s, Button, Shift, X, Y);
-    graphics::render(s);
+    s.redraw();
   }
 
   g.lastMouseX = X;
@@ -219,7 +217,7 @@ void pic_MouseMove(ControlState& s, int16_t Button, int16_t Shift, float X, floa
       s.rotationHorizontalAxis = elevation;
       g.lastMouseY = Y;
     }
-    graphics::render(s);
+    s.redraw();
   }
 
   // During a rotation this reads the camera just rendered.
@@ -252,7 +250,7 @@ void pic_MouseUp(ControlState& s, int16_t Button, int16_t Shift, float X, float 
     // is part of it.
     hideDragMarkers(s);
     scene::drawBoard(s);
-    graphics::render(s);
+    s.redraw();
   }
 
   g.rotatingBoard = false;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::interaction {
 

@@ -4,7 +4,6 @@
 
 #include "interaction/Keyboard.h"
 
-#include "graphics/Frame.h"
 #include "interaction/Gestures.h"
 #include "scene/Population.h"
 
@@ -14,7 +13,7 @@ void pic_KeyDown(ControlState& s, int16_t KeyCode, int16_t Shift) {
   if (KeyCode == kEscapeKey && s.gesture.draggingPiece) {
     hideDragMarkers(s);
     scene::drawBoard(s);
-    graphics::render(s);
+    s.redraw();
     s.gesture.rotatingBoard = false;
     s.gesture.draggingPiece = false;
   }

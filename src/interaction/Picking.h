@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::interaction {
 

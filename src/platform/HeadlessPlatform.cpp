@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "graphics/d3d8types.h"
-#include "ostrel/ctlBoard.h"
+#include "ostrel/BoardRecords.h"
 #include "platform/PlatformSources.h"
 #include "platform/ShippedAssets.h"
 #include "platform/StatusFramePainter.h"
@@ -110,7 +110,7 @@ int32_t HeadlessPlatform::cooperativeLevel() {
 
 void HeadlessPlatform::deviceWasReset() {
   ++resetCount_;
-  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = 0;
+  if (cooperativeLevel_ == graphics::D3DERR_DEVICENOTRESET) cooperativeLevel_ = graphics::D3D_OK;
 }
 
 AdapterProfile HeadlessPlatform::adapterProfile() {

@@ -8,7 +8,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "ostrel/ctlBoard.h"
+#include "ostrel/BoardRecords.h"
 
 namespace ostrel {
 

@@ -5,7 +5,6 @@
 
 #include <cmath>
 
-#include "graphics/Frame.h"
 #include "ostrel/notation.h"
 #include "scene/SceneConstants.h"
 #include "scene/SceneSlots.h"
@@ -14,7 +13,6 @@ namespace ostrel::scene {
 
 namespace {
 
-constexpr int kFields = 50;
 constexpr int kSwaps = 1000;
 constexpr double kDropHeight = 24;    // above the rest height, at the top of the column
 constexpr double kLeaveColumn = 0.7;  // progress at which a piece starts out to its field
@@ -68,13 +66,13 @@ void animation(ControlState& s, double dblTime) {
 
     // White pieces go out on q squared, black ones on q: black leaves the column earlier.
     const int16_t code = s.fieldCode[static_cast<size_t>(slot)];
-    if ((code == 2 || code == 4) && white < kDiscsPerColour) {
+    if ((code == kWhiteMan || code == kWhiteKing) && white < kDiscsPerColour) {
       cls3DobjectInfo& disc = scene.pieceObject[static_cast<size_t>(white)];
       disc.Translate(static_cast<float>(x * q * q), h, static_cast<float>(y * q * q));
       disc.visible = true;
       ++white;
     }
-    if ((code == 3 || code == 5) && black < kDiscsPerColour) {
+    if ((code == kBlackMan || code == kBlackKing) && black < kDiscsPerColour) {
       cls3DobjectInfo& disc = scene.pieceObject[static_cast<size_t>(kFirstBlackDisc + black)];
       disc.Translate(static_cast<float>(x * q), h, static_cast<float>(y * q));
       disc.visible = true;
@@ -82,7 +80,7 @@ void animation(ControlState& s, double dblTime) {
     }
   }
 
-  graphics::render(s);
+  s.redraw();
 }
 
 void stopAnimation(ControlState& s) {

@@ -2,7 +2,7 @@
 // The falling-pieces animation: the position builds itself up from a column above the middle of
 // the board, one piece after another in a shuffled order, at time values the host chooses.
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 

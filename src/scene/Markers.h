@@ -5,17 +5,9 @@
 #include <cstdint>
 #include <string_view>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
-
-// The hover marker under a dragged piece, then the slots that a field list or a drag's
-// destinations can fill: 1 to 15.
-inline constexpr int kHoverMarker = 0;
-inline constexpr int kFirstListMarker = 1;
-inline constexpr int kLastListMarker = 15;
-inline constexpr int kOnlyMoveMarker = 1;
-inline constexpr int kLastMoveMarker = 16;
 
 // Puts a marker on a field at the given height and shows it. Any field number is taken: one
 // outside 1..50 lands beyond the board's edge.

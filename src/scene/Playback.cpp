@@ -16,7 +16,6 @@
 #include <string>
 #include <vector>
 
-#include "graphics/Frame.h"
 #include "ostrel/notation.h"
 #include "scene/Markers.h"
 #include "scene/SceneConstants.h"
@@ -122,14 +121,14 @@ void showMove(ControlState& s, std::string_view strMove) {
       // The end of a hop is never drawn on its own: the next hop or the landing follows.
       if (travelled < distance) {
         placeLifted(s, travelling, x, y);
-        graphics::render(s);
+        s.redraw();
       }
     }
   }
 
   placeLanded(s, travelling, tx, ty);
   setHighLightField(s, destination);
-  graphics::render(s);
+  s.redraw();
 }
 
 }  // namespace ostrel::scene

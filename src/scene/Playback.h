@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 

@@ -8,8 +8,6 @@ namespace ostrel::scene {
 
 namespace {
 
-constexpr int kFields = 50;
-
 // Puts the next disc of a colour on a field: the lower disc always, the upper one of a king when
 // the colour still has a slot after the lower one. `used` counts the colour's discs so far;
 // `first` is the colour's first pieceObject slot. A colour out of discs places nothing.
@@ -46,16 +44,16 @@ void drawBoard(ControlState& s) {
     float x = 0, y = 0;
     fieldToBoard(static_cast<int16_t>(f), x, y);
 
-    if (code == 2 || code == 4) {
-      placePiece(s, slot, code == 4, white, 0, x, y);
-    } else if (code == 3 || code == 5) {
-      placePiece(s, slot, code == 5, black, kFirstBlackDisc, x, y);
+    if (code == kWhiteMan || code == kWhiteKing) {
+      placePiece(s, slot, code == kWhiteKing, white, 0, x, y);
+    } else if (code == kBlackMan || code == kBlackKing) {
+      placePiece(s, slot, code == kBlackKing, black, kFirstBlackDisc, x, y);
     }
 
     // Every occupied field gets a shadow while shadows last, with or without a disc; a king's is
     // shifted as for two discs. A field without one keeps its old fieldShadow entry.
-    if (code > 0 && shadows < kShadowSlots) {
-      const int discs = (code == 4 || code == 5) ? 2 : 1;
+    if (code > kEmptyField && shadows < kShadowSlots) {
+      const int discs = (code == kWhiteKing || code == kBlackKing) ? 2 : 1;
       cls3DobjectInfo& shadow = s.scene.shadowObject[static_cast<size_t>(shadows)];
       shadow.visible = true;
       shadow.Translate(shadowX(x, discs), kShadowHeight, shadowY(y, discs));

@@ -1,7 +1,7 @@
 #pragma once
 // Placing the scene from the position: which disc and shadow stand on which field, and where.
 
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 

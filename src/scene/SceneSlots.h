@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "control/ControlState.h"
 #include "scene/SceneConstants.h"
+#include "state/ControlState.h"
 
 namespace ostrel::scene {
 
@@ -28,7 +28,7 @@ inline void translateIf(cls3DobjectInfo* object, float x, float height, float y)
 
 // Slot of a field number in the per-field arrays, or -1 for a number outside 1..50.
 inline int32_t fieldSlot(int32_t field) {
-  return field >= 1 && field <= 50 ? field - 1 : -1;
+  return field >= 1 && field <= kFields ? field - 1 : -1;
 }
 
 }  // namespace ostrel::scene

@@ -1,6 +1,6 @@
-#include "control/ControlState.h"
+#include "state/ControlState.h"
 
-#include "control/ControlAccess.h"
+#include <utility>
 
 namespace ostrel {
 
@@ -42,7 +42,8 @@ void layOutChildren(ControlState& s) {
 
 }  // namespace
 
-ControlState::ControlState(Platform& p) : platform(p) {
+ControlState::ControlState(Platform& p, std::function<void()> redrawFrame)
+    : platform(p), redraw(std::move(redrawFrame)) {
   // 3.14159 / 2 and -3.14159 are worked in double and stored as Singles.
   rotationHorizontalAxis = static_cast<float>(3.14159 / 2);
   rotationVerticalAxis = static_cast<float>(-3.14159);
@@ -81,8 +82,8 @@ void ControlState::raiseKeyDown(int16_t keyCode, int16_t shift) {
   if (events) events->KeyDown(keyCode, shift);
 }
 
-ControlState& controlState(ctlBoard& board) {
-  return *board.s_;
+float progressFull(const ControlState& s) {
+  return s.label1.Width - 2 * s.platform.TwipsPerPixelX();
 }
 
 }  // namespace ostrel

@@ -4,21 +4,26 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
-#include "graphics/d3d8types.h"
-#include "ostrel/ctlBoard.h"
+#include "ostrel/BoardRecords.h"
+#include "ostrel/Platform.h"
+#include "state/Matrix.h"
 
 namespace ostrel {
 
 struct ControlState {
-  explicit ControlState(Platform& p);
+  ControlState(Platform& p, std::function<void()> redrawFrame);
 
   Platform& platform;
   ctlBoardEvents* events = nullptr;  // the host's listener; nullptr: events go nowhere
+  // Draws one whole frame. The control hands it in, so that the scene and the gestures can show
+  // what they changed without knowing the graphics.
+  std::function<void()> redraw;
 
-  // The position: slot k holds field k + 1; slot 50 belongs to no field.
-  std::array<int16_t, 51> fieldCode{};
+  // The position: a FieldCode per slot; slot k holds field k + 1, slot 50 belongs to no field.
+  std::array<int16_t, kFieldSlots> fieldCode{};
   MoveList moves;
   Scene scene;
   ModelSet models;
@@ -52,7 +57,7 @@ struct ControlState {
   int32_t backColor = 0;
 
   // Transforms of the last frame; picking reads worldMatrix from here.
-  graphics::D3DMATRIX worldMatrix, viewMatrix, projectionMatrix;
+  D3DMATRIX worldMatrix, viewMatrix, projectionMatrix;
 
   // Events, raised only when the host listens.
   void raiseAfterDraw(float frameTime);
@@ -62,5 +67,8 @@ struct ControlState {
   void raiseAfterUserRotation();
   void raiseKeyDown(int16_t keyCode, int16_t shift);
 };
+
+// Full length of the status frame's fill in twips: two screen pixels less than the frame.
+float progressFull(const ControlState& s);
 
 }  // namespace ostrel
