@@ -37,7 +37,9 @@ class Surface {
   // pic's client size now.
   virtual void pictureSize(int32_t& widthPixels, int32_t& heightPixels) = 0;
   // Shows a finished back buffer in the window, stretched over pic's client area. framebuffer is a
-  // GL framebuffer object of the current context, not multisampled, width x height pixels.
+  // GL framebuffer object of the current context, not multisampled, width x height pixels. Leaves
+  // the context's GL state as it found it, save the read framebuffer and the pack alignment: the
+  // device layer keeps what it set from frame to frame.
   virtual void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) = 0;
   // What the window shows now: the last presented picture (the control's back colour before the
   // first), with the visible parts of the status frame over it. The screen dump reads it.
