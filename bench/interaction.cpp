@@ -1,9 +1,11 @@
 // What the user's hand costs: one handled pointer move during a drag (the drag step and its
-// frame), the picking of one pointer position alone, and the full length of a played move
-// against the 125 ms that one square of travel should take.
+// frame) against the frame of the empty board, the picking of one pointer position alone, the
+// full length of a played move against the 125 ms that one square of travel should take, and
+// what an idle control costs: a tick of Timer1 with no reset pending.
 //
-// Each run reports the median of its samples in milliseconds (median_ms); the played move also
-// reports how far the median lies beyond its ideal (over_ideal_ms).
+// Each run reports the median of its samples in milliseconds (median_ms); the drag also the
+// empty-board frame measured alternately in the same run and the ratio (move/empty); the played
+// move how far the median lies beyond its ideal (over_ideal_ms); the idle tick the frames drawn.
 
 #include <benchmark/benchmark.h>
 
@@ -30,10 +32,12 @@ using bench::timedMs;
 
 // A started 640 x 480 control with 20 men of each colour and shadows, and moves from field 32.
 struct Rig {
-  explicit Rig(bool manualClock) : board(platform) {
+  explicit Rig(bool manualClock, bool pieces = true) : board(platform) {
     if (manualClock) platform.useManualClock(100000, 36000.0f);
     started = board.init(false, 0, 1).value_or(false);
-    for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+    for (int16_t slot = 0; slot < 50 && pieces; ++slot) {
+      board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+    }
     board.addMoveList("32-28");
     board.addMoveList("32-27");
     board.drawBoard();
@@ -64,7 +68,8 @@ struct Rig {
 
 void BM_DragMove(benchmark::State& state) {
   Rig rig(true);
-  if (!rig.started) {
+  Rig bare(true, false);
+  if (!rig.started || !bare.started) {
     state.SkipWithError("init failed");
     return;
   }
@@ -77,7 +82,7 @@ void BM_DragMove(benchmark::State& state) {
     state.SkipWithError("no drag started");
     return;
   }
-  std::vector<double> moves;
+  std::vector<double> moves, empty;
   int64_t i = 0;
   for (auto _ : state) {
     // Past the time gate, so that every move is handled and draws its frame.
@@ -88,9 +93,28 @@ void BM_DragMove(benchmark::State& state) {
     });
     moves.push_back(ms);
     state.SetIterationTime(ms / 1000.0);
+    empty.push_back(timedMs([&] { bare.board.render(); }));
   }
   rig.board.pic_MouseUp(1, 0, toX, toY);
-  state.counters["median_ms"] = median(moves);
+  const double m = median(moves), e = median(empty);
+  state.counters["median_ms"] = m;
+  state.counters["empty_ms"] = e;
+  state.counters["move/empty"] = e > 0 ? m / e : 0;
+}
+
+// Timer1's tick with no reset pending, and how many frames the idle control draws meanwhile.
+void BM_IdleTimerTick(benchmark::State& state) {
+  Rig rig(true);
+  if (!rig.started) {
+    state.SkipWithError("init failed");
+    return;
+  }
+  const int32_t frames = rig.platform.presentCount();
+  for (auto _ : state) {
+    rig.platform.advance(1000);
+    rig.board.Timer1_Timer();
+  }
+  state.counters["frames_drawn"] = rig.platform.presentCount() - frames;
 }
 
 void BM_ScreenToBoard(benchmark::State& state) {
@@ -137,6 +161,7 @@ void BM_ShowMoveOneSquare(benchmark::State& state) {
 }
 
 BENCHMARK(BM_DragMove)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_IdleTimerTick)->Unit(benchmark::kNanosecond);
 BENCHMARK(BM_ScreenToBoard)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(0.5);
 BENCHMARK(BM_ShowMoveOneSquare)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(20);
 

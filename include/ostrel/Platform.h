@@ -62,7 +62,9 @@ class Platform {
   // pic's client size now, in pixels.
   virtual void pictureSize(int32_t& widthPixels, int32_t& heightPixels) = 0;
   // Shows a finished back buffer (a GL framebuffer object of the current context, not
-  // multisampled) in the window, stretched over pic's client area.
+  // multisampled) in the window, stretched over pic's client area. Leaves the context's GL state
+  // as it found it, save the read framebuffer and the pack alignment: the device layer keeps
+  // what it set from frame to frame.
   virtual void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) = 0;
   // What TestCooperativeLevel answers: 0, D3DERR_DEVICELOST or D3DERR_DEVICENOTRESET.
   virtual int32_t cooperativeLevel() { return 0; }

@@ -77,6 +77,16 @@ struct MeshData {
   std::vector<Range> subsets;
 };
 
+// What a device sent to OpenGL. glCalls counts every call, the kinds before it included.
+struct DeviceCounters {
+  uint32_t drawCalls = 0;       // triangles drawn
+  uint32_t programChanges = 0;  // another shader program put in use
+  uint32_t stateChanges = 0;    // enables, blend, depth, viewport, bindings, sampler parameters
+  uint32_t uniformUploads = 0;  // one per uniform set
+  uint32_t bufferUploads = 0;   // vertex data sent after a change
+  uint32_t glCalls = 0;
+};
+
 class Direct3DDevice8 {
  public:
   virtual ~Direct3DDevice8() = default;
@@ -126,6 +136,8 @@ class Direct3DDevice8 {
   // Size of the back buffer and its samples per pixel (0 when not multisampled).
   virtual void GetBackBufferSize(uint32_t& width, uint32_t& height) const = 0;
   virtual int32_t GetMultiSampleCount() const = 0;
+  // What the last Present's frame sent to OpenGL, counted from the Present before it.
+  virtual DeviceCounters GetFrameCounters() const { return {}; }
 
   // Resource creation, used by the D3DX helpers. Throw D3DError on bad data.
   virtual std::shared_ptr<Mesh> CreateMesh(MeshData data) = 0;

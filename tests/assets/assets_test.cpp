@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using V = aiVector3t<double>;
 
-const fs::path kDir = fs::path(__FILE__).parent_path() / ".." / ".." / "assets" / "models";
+const fs::path kDir = fs::path(OSTREL_TESTS_DIR) / ".." / "assets" / "models";
 
 // One model as the control holds it: the meshes per material joined again.
 struct Model {

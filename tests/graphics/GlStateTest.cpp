@@ -1,0 +1,257 @@
+// The GL backend's rooms: the pure step from fixed-function state to GL draw state, the cache
+// that sends only what differs, the counters of what a frame sends, and the shader source that
+// serves both desktop GLSL and GLSL ES.
+
+#include <gtest/gtest.h>
+
+#include "graphics/GraphicsContext.h"
+#include "graphics/gl/FixedFunction.h"
+#include "graphics/gl/GlContext.h"
+#include "support/GraphicsFixture.h"
+#include "support/LiveBoard.h"
+
+namespace ostrel::testing {
+namespace {
+
+using namespace graphics;
+using gl::GlDrawState;
+
+gl::FixedFunctionState freshState() {
+  D3DPRESENT_PARAMETERS p{};
+  p.EnableAutoDepthStencil = 1;
+  return gl::defaultState(p, 200, 100);
+}
+
+const gl::DrawTarget kTarget{7, 100, true, false};
+
+TEST(Translate, FixedFunctionStatesBecomeTheirGlCounterparts) {
+  struct Case {
+    const char* what;
+    void (*change)(gl::FixedFunctionState&);
+    bool (*holds)(const GlDrawState&);
+  };
+  const Case cases[] = {
+      {"defaults: depth LEQUAL with writes, back faces culled, no blending",
+       [](gl::FixedFunctionState&) {},
+       [](const GlDrawState& d) {
+         return d.depth.test && d.depth.write && d.depth.func == GL_LEQUAL && d.raster.cull &&
+                d.raster.cullFace == GL_BACK && !d.blend.enabled && !d.textured;
+       }},
+      {"marker blend: SRCALPHA, DESTCOLOR",
+       [](gl::FixedFunctionState& s) {
+         s.renderState[D3DRS_ALPHABLENDENABLE] = 1;
+         s.renderState[D3DRS_SRCBLEND] = D3DBLEND_SRCALPHA;
+         s.renderState[D3DRS_DESTBLEND] = D3DBLEND_DESTCOLOR;
+       },
+       [](const GlDrawState& d) {
+         return d.blend.enabled && d.blend.src == GL_SRC_ALPHA && d.blend.dst == GL_DST_COLOR;
+       }},
+      {"shadow blend: ZERO, SRCCOLOR",
+       [](gl::FixedFunctionState& s) {
+         s.renderState[D3DRS_ALPHABLENDENABLE] = 1;
+         s.renderState[D3DRS_SRCBLEND] = D3DBLEND_ZERO;
+         s.renderState[D3DRS_DESTBLEND] = D3DBLEND_SRCCOLOR;
+       },
+       [](const GlDrawState& d) { return d.blend.src == GL_ZERO && d.blend.dst == GL_SRC_COLOR; }},
+      {"CW culling culls GL's front faces; NONE culls nothing",
+       [](gl::FixedFunctionState& s) { s.renderState[D3DRS_CULLMODE] = D3DCULL_CW; },
+       [](const GlDrawState& d) { return d.raster.cull && d.raster.cullFace == GL_FRONT; }},
+      {"no culling",
+       [](gl::FixedFunctionState& s) { s.renderState[D3DRS_CULLMODE] = D3DCULL_NONE; },
+       [](const GlDrawState& d) { return !d.raster.cull; }},
+      {"viewport rows count from the bottom",
+       [](gl::FixedFunctionState& s) { s.viewport = {10, 20, 50, 30, 0.25f, 0.75f}; },
+       [](const GlDrawState& d) {
+         return d.target.viewport == std::array<GLint, 4>{10, 50, 50, 30} &&
+                d.target.depthRange == std::array<float, 2>{0.25f, 0.75f} &&
+                d.target.framebuffer == 7;
+       }},
+      {"wireframe and GREATER",
+       [](gl::FixedFunctionState& s) {
+         s.renderState[D3DRS_FILLMODE] = 2;
+         s.renderState[D3DRS_ZFUNC] = D3DCMP_GREATER;
+       },
+       [](const GlDrawState& d) {
+         return d.raster.polygonMode == GL_LINE && d.depth.func == GL_GREATER;
+       }},
+      {"lighting off: no light uniforms read",
+       [](gl::FixedFunctionState& s) { s.renderState[D3DRS_LIGHTING] = 0; },
+       [](const GlDrawState& d) { return !d.lit && !d.lightOn && !d.program.lighting; }},
+      {"light 0 enabled and directional: lit, direction towards the light in view space",
+       [](gl::FixedFunctionState& s) {
+         D3DLIGHT8 l;
+         l.Type = D3DLIGHT_DIRECTIONAL;
+         l.Direction = {0, -2, 0};
+         s.lights[0] = l;
+         s.lightEnabled[0] = true;
+       },
+       [](const GlDrawState& d) {
+         return d.lightOn && d.program.light0 && d.uniforms.lightDir[1] == 1.0f;
+       }},
+  };
+  for (const Case& c : cases) {
+    gl::FixedFunctionState s = freshState();
+    c.change(s);
+    EXPECT_TRUE(c.holds(gl::translate(s, kTarget, gl::kNormals, 0))) << c.what;
+  }
+  // No depth buffer, no depth test; a texture only counts while stage 0 is on; anisotropy needs
+  // both filters past POINT.
+  gl::FixedFunctionState s = freshState();
+  EXPECT_FALSE(gl::translate(s, {7, 100, false, false}, 0, 0).depth.test);
+  EXPECT_TRUE(gl::translate(s, kTarget, gl::kCoords, 3).textured);
+  s.stageState[0][D3DTSS_MINFILTER] = D3DTEXF_ANISOTROPIC;
+  s.stageState[0][D3DTSS_MAXANISOTROPY] = 40;
+  EXPECT_EQ(gl::translate(s, kTarget, gl::kCoords, 3).program.anisotropy, 0u);
+  s.stageState[0][D3DTSS_MAGFILTER] = D3DTEXF_LINEAR;
+  EXPECT_EQ(gl::translate(s, kTarget, gl::kCoords, 3).program.anisotropy, gl::kMaxAnisotropy);
+  s.stageState[0][D3DTSS_COLOROP] = D3DTOP_DISABLE;
+  EXPECT_FALSE(gl::translate(s, kTarget, gl::kCoords, 3).textured);
+}
+
+TEST(StateCache, ApplySendsOnlyTheGroupsThatDiffer) {
+  GraphicsFixture f(32, 32);
+  auto context = gl::contextFor(f.platform);
+  ASSERT_TRUE(context->makeCurrent());
+  gl::GlStateCache& cache = context->cache;
+  const DeviceCounters& n = context->counters;
+  gl::FixedFunctionState s = freshState();
+  GlDrawState d = gl::translate(s, {0, 32, true, false}, gl::kNormals, 0);
+  gl::Program& program = context->program(d.program);
+  cache.forget();
+  auto calls = [&](const GlDrawState& wanted) {
+    const uint32_t before = n.glCalls;
+    cache.apply(wanted, program, context->sampler);
+    return n.glCalls - before;
+  };
+  EXPECT_GE(calls(d), 12u);  // everything, once
+  EXPECT_EQ(calls(d), 0u);
+  struct Step {
+    const char* what;
+    void (*change)(GlDrawState&);
+    uint32_t calls;
+  };
+  const Step steps[] = {
+      {"factors while blending is off", [](GlDrawState& w) { w.blend.src = GL_DST_COLOR; }, 0},
+      {"blending on with new factors",
+       [](GlDrawState& w) {
+         w.blend.enabled = true;
+         w.blend.src = GL_ZERO;
+         w.blend.dst = GL_SRC_COLOR;
+       },
+       2},
+      {"the same again", [](GlDrawState&) {}, 0},
+      {"blending off", [](GlDrawState& w) { w.blend.enabled = false; }, 1},
+      {"viewport", [](GlDrawState& w) { w.target.viewport[2] = 16; }, 1},
+      {"depth function and culling",
+       [](GlDrawState& w) {
+         w.depth.func = GL_ALWAYS;
+         w.raster.cull = false;
+       },
+       2},
+      {"one uniform", [](GlDrawState& w) { w.uniforms.worldView[12] = 3; }, 1},
+  };
+  for (const Step& step : steps) {
+    step.change(d);
+    EXPECT_EQ(calls(d), step.calls) << step.what;
+  }
+  cache.forget();
+  EXPECT_GE(calls(d), 10u) << "a forgotten cache sets every group again";
+}
+
+// A board of the shipped models with shadows, with or without pieces and markers.
+struct Board : LiveBoard {
+  explicit Board(bool full) : LiveBoard(160, 160, 1) {
+    for (int16_t slot = 0; slot < 50 && full; ++slot) {
+      board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+    }
+    board.drawBoard();
+    if (full) board.setHLfields("21|22|23");
+  }
+  DeviceCounters counted() {
+    board.render();
+    return graphicsContext().device->GetFrameCounters();
+  }
+};
+
+bool same(const DeviceCounters& a, const DeviceCounters& b) {
+  return a.drawCalls == b.drawCalls && a.programChanges == b.programChanges &&
+         a.stateChanges == b.stateChanges && a.uniformUploads == b.uniformUploads &&
+         a.bufferUploads == b.bufferUploads && a.glCalls == b.glCalls;
+}
+
+TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
+  {
+    Board empty(false);
+    ASSERT_TRUE(empty.started);
+    const DeviceCounters first = empty.counted(), second = empty.counted();
+    EXPECT_GT(second.drawCalls, 0u);
+    EXPECT_EQ(second.drawCalls, first.drawCalls);
+    // One program, one texture and one state for the whole frame, set by the frame before.
+    EXPECT_EQ(second.programChanges, 0u);
+    EXPECT_EQ(second.stateChanges, 0u);
+    EXPECT_EQ(second.uniformUploads, 0u);
+    EXPECT_EQ(second.bufferUploads, 0u);
+  }
+  Board full(true);
+  ASSERT_TRUE(full.started);
+  full.board.render();
+  const DeviceCounters second = full.counted(), third = full.counted();
+  EXPECT_GT(second.drawCalls, 40u);
+  // A world matrix for each draw, and the material only where the mesh changes.
+  EXPECT_LE(second.uniformUploads, second.drawCalls + 16);
+  EXPECT_EQ(second.bufferUploads, 0u);
+  EXPECT_TRUE(same(second, third));
+  // Taking a piece away takes its draws, and sends no vertices.
+  full.board.field(0, 0);
+  full.board.drawBoard();
+  const DeviceCounters moved = full.counted();
+
+  const clsMesh& piece = full.state().models.pieceMesh[1];
+  ASSERT_TRUE(piece.hasMesh());
+  EXPECT_LE(moved.drawCalls + piece.mesh()->GetNumSubsets(), second.drawCalls);
+  EXPECT_EQ(moved.bufferUploads, 0u);
+}
+
+TEST(FrameCounters, GlCallsCoverEveryKind) {
+  Board full(true);
+  ASSERT_TRUE(full.started);
+  const DeviceCounters c = full.counted();
+  EXPECT_GE(c.glCalls,
+            c.drawCalls + c.programChanges + c.stateChanges + c.uniformUploads + c.bufferUploads);
+  EXPECT_GT(c.stateChanges, 0u);
+}
+
+TEST(Shaders, EveryVariantOfAFrameCompilesAsGlslEs) {
+  Board full(true);
+  ASSERT_TRUE(full.started);
+  full.board.render();
+  if (!epoxy_has_gl_extension("GL_ARB_ES3_compatibility")) {
+    GTEST_SKIP() << "the renderer takes no GLSL ES";
+  }
+  // The variants the shipped models use, and the plain ones.
+  gl::ProgramKey lit;
+  lit.normals = lit.coords = lit.lighting = lit.light0 = true;
+  gl::ProgramKey textured = lit;
+  textured.texture = true;
+  textured.colorOp = D3DTOP_MODULATE;
+  textured.alphaOp = D3DTOP_SELECTARG1;
+  textured.colorArg1Texture = true;
+  gl::ProgramKey anisotropic = textured;
+  anisotropic.anisotropy = 16;
+  for (const gl::ProgramKey& key : {gl::ProgramKey{}, lit, textured, anisotropic}) {
+    for (gl::GlslDialect dialect : {gl::GlslDialect::Desktop330, gl::GlslDialect::Es300}) {
+      const std::string vs = gl::shaderSource(dialect, GL_VERTEX_SHADER, key);
+      const std::string fs = gl::shaderSource(dialect, GL_FRAGMENT_SHADER, key);
+      EXPECT_EQ(vs.rfind(dialect == gl::GlslDialect::Es300 ? "#version 300 es" : "#version 330", 0),
+                0u);
+      GLuint program = 0;
+      EXPECT_NO_THROW(program = gl::linkProgram(vs, fs)) << fs;
+      glDeleteProgram(program);
+    }
+  }
+  // A broken source is refused, not linked.
+  EXPECT_THROW(gl::linkProgram("#version 330 core\nvoid main() { oops; }", "x"), D3DError);
+}
+
+}  // namespace
+}  // namespace ostrel::testing
