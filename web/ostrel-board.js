@@ -78,6 +78,21 @@
       this.module.ccall("ostrel_set_moves", null, ["number", "string"], [this.id, moves.join("|")]);
     }
 
+    // The camera: { elevation, azimuth, distance } as the control counts them; fields left out
+    // keep their value.
+    setView(view) {
+      const now = this.view();
+      const v = { ...now, ...view };
+      this.module.ccall("ostrel_set_view", null, ["number", "number", "number", "number"],
+        [this.id, v.elevation, v.azimuth, v.distance]);
+    }
+
+    view() {
+      const [elevation, azimuth, distance] =
+        this.module.ccall("ostrel_view", "string", ["number"], [this.id]).split(" ").map(Number);
+      return { elevation, azimuth, distance };
+    }
+
     showMove(move) {
       this.module.ccall("ostrel_show_move", null, ["number", "string"], [this.id, move]);
     }

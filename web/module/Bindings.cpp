@@ -140,6 +140,29 @@ EMSCRIPTEN_KEEPALIVE void ostrel_show_move(int id, const char* move) {
   }
 }
 
+// The camera: elevation and azimuth in the control's units, and the viewing distance.
+EMSCRIPTEN_KEEPALIVE void ostrel_set_view(int id, double elevation, double azimuth,
+                                          double distance) {
+  if (WebBoard* b = find(id)) {
+    b->board().rotationHorizontalAxis(static_cast<float>(elevation));
+    b->board().rotationVerticalAxis(static_cast<float>(azimuth));
+    b->board().viewingDistance(static_cast<float>(distance));
+    b->board().render();
+  }
+}
+
+// The camera as "elevation azimuth distance", for the page to keep or restore.
+EMSCRIPTEN_KEEPALIVE const char* ostrel_view(int id) {
+  static std::string text;
+  text.clear();
+  if (WebBoard* b = find(id)) {
+    text = std::to_string(b->board().rotationHorizontalAxis()) + " " +
+           std::to_string(b->board().rotationVerticalAxis()) + " " +
+           std::to_string(b->board().viewingDistance());
+  }
+  return text.c_str();
+}
+
 // kind: 0 down, 1 move, 2 up; button as the control counts them (1 left, 2 right, 4 middle);
 // x and y in CSS pixels from the canvas's top left corner.
 EMSCRIPTEN_KEEPALIVE void ostrel_pointer(int id, int kind, int button, int shift, double x,

@@ -4,31 +4,28 @@
 const test = require("node:test");
 const assert = require("node:assert");
 const fs = require("fs");
-const os = require("os");
 const path = require("path");
 const { chromium } = require("playwright-core");
 const { serve } = require("./serve.js");
 
 const site = process.env.OSTREL_SITE;
 
-let server, browser, profile;
+let server, browser;
 
 test.before(async () => {
   assert.ok(site && fs.existsSync(path.join(site, "ostrel.wasm")), "OSTREL_SITE holds no module");
   server = await serve(site, 0);
-  profile = fs.mkdtempSync(path.join(os.tmpdir(), "ostrel-chromium-"));
   browser = await chromium.launch({
     executablePath: "/usr/bin/chromium",
     args: ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
-      "--disable-background-networking", "--disable-component-update", "--disable-sync",
-      `--user-data-dir=${profile}`],
+      "--disable-background-networking", "--disable-component-update", "--disable-sync"],
+    // playwright gives each launch a fresh profile folder of its own and removes it on close.
   });
 });
 
 test.after(async () => {
   if (browser) await browser.close();
   if (server) server.close();
-  if (profile) fs.rmSync(profile, { recursive: true, force: true });
 });
 
 async function openPage(options = {}) {
@@ -59,7 +56,7 @@ async function fieldCentres(page) {
         last = 0;
         board.module.ccall("ostrel_pointer", null,
           ["number", "number", "number", "number", "number", "number"], [board.id, 1, 0, 0, x, y]);
-        if (!last) continue;
+        if (last <= 0) continue;  // off the board
         const p = points.get(last) || { x: 0, y: 0, n: 0 };
         p.x += x; p.y += y; p.n += 1;
         points.set(last, p);
@@ -138,5 +135,28 @@ test("a drop on a field that is no listed destination reports nothing", async ()
   await page.mouse.move(c[23].x, c[23].y, { steps: 8 });
   await page.mouse.up();
   assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
+  await context.close();
+});
+
+test("a touch drag from 32 to 28 reports 32-28", async () => {
+  const { page, context } = await openPage({ hasTouch: true, deviceScaleFactor: 2 });
+  const c = await fieldCentres(page);
+  const cdp = await context.newCDPSession(page);
+  const touch = (type, p) =>
+    cdp.send("Input.dispatchTouchEvent", { type, touchPoints: p ? [{ x: p.x, y: p.y }] : [] });
+  await touch("touchStart", c[32]);
+  for (let i = 1; i <= 8; ++i) {
+    await touch("touchMove", {
+      x: c[32].x + (c[28].x - c[32].x) * i / 8, y: c[32].y + (c[28].y - c[32].y) * i / 8 });
+    await page.waitForTimeout(20);
+  }
+  await touch("touchEnd");
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), ["32-28"]);
+  // At a device pixel ratio of 2 the canvas has twice the pixels of its CSS size.
+  const sizes = await page.evaluate(() => {
+    const box = window.board.canvas.getBoundingClientRect();
+    return { width: window.board.canvas.width, css: box.width };
+  });
+  assert.ok(Math.abs(sizes.width - 2 * sizes.css) <= 2, JSON.stringify(sizes));
   await context.close();
 });

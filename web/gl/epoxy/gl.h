@@ -3,7 +3,6 @@
 // come straight from OpenGL ES 3.0, and the few desktop calls the device makes get their ES
 // counterparts here.
 
-#include <GLES3/gl2ext.h>
 #include <GLES3/gl3.h>
 
 // The device asks for OpenGL 3.3; a WebGL 2 context offers all that the device uses of it.
