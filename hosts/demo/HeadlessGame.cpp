@@ -47,21 +47,36 @@ int playHeadless(const HeadlessRun& run, std::ostream& log, const AfterPly& afte
     return true;
   };
 
-  game.startAtRest();
+  if (run.review) {
+    game.review(run.review->start, run.review->line);
+    log << run.review->players << ", " << run.review->line.size() << " plies\n";
+  } else {
+    game.startAtRest();
+  }
   if (!write(0)) return 1;
   int ply = 0;
-  while (ply < run.plies && game.phase() == DemoGame::Phase::OpponentToMove) {
-    const bool whiteMoved = game.game().position().whiteToMove;
+  auto step = [&]() {
+    if (run.review) return game.stepForward();
+    if (game.phase() != DemoGame::Phase::OpponentToMove) return false;
     game.playOpponent();
+    return true;
+  };
+  while (ply < run.plies) {
+    const bool whiteMoved = game.game().position().toMove == Side::White;
+    const std::vector<Move> legal = game.game().moves();
+    if (!step()) break;
     ++ply;
     if (!write(ply)) return 1;
-    log << "ply " << ply << ": " << (whiteMoved ? "white " : "black ") << game.lastMove().text()
-        << "\n";
+    log << "ply " << ply << ": " << (whiteMoved ? "white " : "black ")
+        << ostrel::draughts::moveText(game.lastMove(), legal) << "\n";
   }
-  log << "wrote " << ply + 1 << " pictures to " << run.out << "; "
-      << (game.phase() == DemoGame::Phase::Over ? outcomeText(game.game().outcome())
-                                                : "the game goes on")
-      << "\n";
+  std::string state = "the game goes on";
+  if (game.game().outcome() != Outcome::Playing) {
+    state = outcomeText(game.game().outcome());
+  } else if (run.review && game.game().ply() == run.review->line.size()) {
+    state = "the end of the recorded game";
+  }
+  log << "wrote " << ply + 1 << " pictures to " << run.out << "; " << state << "\n";
   return 0;
 }
 

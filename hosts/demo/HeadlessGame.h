@@ -1,6 +1,6 @@
 #pragma once
-// The demo without a window: the opponent plays both sides on an offscreen control and every ply
-// is written as a PNG picture, the last move marked.
+// The demo without a window: the opponent plays both sides on an offscreen control (or a recorded
+// game is stepped through) and every ply is written as a PNG picture, the last move marked.
 
 #include <cstdint>
 #include <functional>
@@ -8,6 +8,7 @@
 #include <string>
 
 #include "DemoGame.h"
+#include "Review.h"
 
 namespace demo {
 
@@ -15,7 +16,8 @@ struct HeadlessRun {
   int plies = 40;                // played at most; the game may end sooner
   std::string out = "out/demo";  // ply-000.png is the start, ply-001.png after the first ply, ...
   uint32_t seed = 1;
-  int size = 640;  // the pictures' width and height in pixels
+  int size = 640;                  // the pictures' width and height in pixels
+  const Review* review = nullptr;  // a game to step through instead of the opponent's play
 };
 
 // Called after the start and after each ply has been written, with the number of plies so far.

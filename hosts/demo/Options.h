@@ -14,6 +14,8 @@ struct Options {
   int plies = 40;                // headless: the plies played at most
   std::string out = "out/demo";  // headless: the folder of the pictures
   std::optional<uint32_t> seed;  // the opponent's choices; none: different each run
+  std::string pdn;               // a PDN file whose game is stepped through, or ""
+  int game = 1;                  // which game of the file, from 1
 };
 
 // The options of the arguments after the program name; nullopt and why when they are wrong.

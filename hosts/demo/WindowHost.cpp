@@ -87,7 +87,7 @@ int16_t virtualKeyCode(SDL_Keycode key) {
   }
 }
 
-int runWindow(ostrel::SdlPlatform& platform, uint32_t seed) {
+int runWindow(ostrel::SdlPlatform& platform, uint32_t seed, const Review* review) {
   ostrel::ctlBoard board(platform);
   DemoGame game(board, seed, true);
   board.setEventSink(&game);
@@ -97,7 +97,11 @@ int runWindow(ostrel::SdlPlatform& platform, uint32_t seed) {
   const auto started = board.init(false, 1, 1);
   if (!started || !*started) return 1;
 
-  game.start();
+  if (review) {
+    game.review(review->start, review->line);
+  } else {
+    game.start();
+  }
   uint32_t openingStart = SDL_GetTicks();
   uint32_t lastTick = openingStart;
   uint32_t onlyMoveDue = 0;

@@ -5,12 +5,14 @@
 
 #include <cstdint>
 
+#include "Review.h"
 #include "SdlPlatform.h"
 
 namespace demo {
 
-// Plays games in the window until it is closed. 1 when the control did not start.
-int runWindow(ostrel::SdlPlatform& platform, uint32_t seed);
+// Plays games in the window until it is closed, beginning with the review of a recorded game when
+// one is given. 1 when the control did not start.
+int runWindow(ostrel::SdlPlatform& platform, uint32_t seed, const Review* review = nullptr);
 
 // SDL's input in the control's terms: the button of a press (1 left, 2 right, 4 middle, 0 other),
 // the buttons held during a move, the Shift mask (1 Shift, 2 Ctrl, 4 Alt) and the virtual-key code

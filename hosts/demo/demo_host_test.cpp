@@ -17,11 +17,12 @@
 namespace {
 
 using demo::DemoGame;
+using namespace ostrel::draughts;
 
 // The control shows the game's position: every field's code, and a disc at rest on each piece.
 void expectBoardShowsGame(const ostrel::ctlBoard& board, const demo::Game& game) {
   for (int16_t slot = 0; slot < 50; ++slot) {
-    const int16_t code = game.position().fields[static_cast<size_t>(slot)];
+    const int16_t code = game.position().squares[static_cast<size_t>(slot)];
     EXPECT_EQ(board.field(slot), code) << "field " << slot + 1;
     const int16_t piece = board.scene().fieldPiece[static_cast<size_t>(slot)];
     EXPECT_EQ(piece >= 0, code != 0) << "field " << slot + 1;
@@ -47,14 +48,14 @@ TEST(DemoHost, HeadlessGameWritesEveryPlyAndTheControlFollowsTheGame) {
       run, log, [&](int ply, const ostrel::ctlBoard& board, const DemoGame& game) {
         seen.push_back(ply);
         expectBoardShowsGame(board, game.game());
-        EXPECT_EQ(game.game().position().whiteToMove, ply % 2 == 0);
+        EXPECT_EQ(game.game().position().toMove == demo::Side::White, ply % 2 == 0);
         EXPECT_EQ(board.moves().moveCount, 0) << "nothing is offered to drag";
         // The last move's field is marked; the start has none.
         const ostrel::clsMesh& marker = board.models().markerMesh[16];
         ASSERT_EQ(marker.visible, ply > 0);
         if (ply == 0) return;
         float x = 0, y = 0;
-        ostrel::fieldToBoard(game.lastMove().route.back(), x, y);
+        ostrel::fieldToBoard(static_cast<int16_t>(game.lastMove().to()), x, y);
         EXPECT_NEAR(marker.posX(), x + 0.08f, 1e-4);
         EXPECT_NEAR(marker.posZ(), y, 1e-4);
       });
@@ -91,7 +92,7 @@ TEST(DemoHost, TheUsersDragIsPlayedAndAnsweredAndTheNextMovesOffered) {
   ASSERT_EQ(game.phase(), DemoGame::Phase::UserToMove);
   ASSERT_EQ(live.board.moves().moveCount, static_cast<int16_t>(game.game().moves().size()));
   for (size_t i = 0; i < game.game().moves().size(); ++i) {
-    EXPECT_EQ(live.board.moves().moveList[i], game.game().moves()[i].text());
+    EXPECT_EQ(live.board.moves().moveList[i], controlText(game.game().moves()[i]));
   }
 
   const ostrel::testing::Blob from = live.pieceBlob(32), to = live.fieldBlob(28);
@@ -100,17 +101,17 @@ TEST(DemoHost, TheUsersDragIsPlayedAndAnsweredAndTheNextMovesOffered) {
   live.down(1, from);
   live.move(1, to);
   live.up(1, to);
-  EXPECT_EQ(game.lastMove().text(), "32-28");
+  EXPECT_EQ(shortText(game.lastMove()), "32-28");
   EXPECT_EQ(game.phase(), DemoGame::Phase::OpponentToMove);
   EXPECT_EQ(live.board.moves().moveCount, 0) << "no drag while the opponent thinks";
-  EXPECT_FALSE(game.game().position().whiteToMove);
+  EXPECT_EQ(game.game().position().toMove, demo::Side::Black);
   expectBoardShowsGame(live.board, game.game());
 
   game.playOpponent();
   // A reply that offers a capture may leave the user one move only; the host plays that itself.
   EXPECT_TRUE(game.phase() == DemoGame::Phase::UserToMove ||
               game.phase() == DemoGame::Phase::UserOnlyMove);
-  EXPECT_TRUE(game.game().position().whiteToMove);
+  EXPECT_EQ(game.game().position().toMove, demo::Side::White);
   expectBoardShowsGame(live.board, game.game());
   EXPECT_EQ(live.board.moves().moveCount, static_cast<int16_t>(game.game().moves().size()));
 }

@@ -1,7 +1,8 @@
 // ostrel-demo: a game of international draughts against a small opponent on the 3D board, in a
 // window. Where no display exists it plays the same game headless and writes PNG pictures.
 //
-//   ostrel-demo [--headless] [--plies N] [--out DIR] [--seed S]   (--help tells more)
+//   ostrel-demo [--headless] [--plies N] [--out DIR] [--seed S] [--pdn FILE [--game N]]
+//   (--help tells more)
 
 #include <SDL.h>
 
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -32,6 +34,17 @@ int main(int argc, char** argv) {
     return 0;
   }
   const uint32_t seed = options->seed ? *options->seed : std::random_device{}();
+  std::optional<demo::Review> review;
+  if (!options->pdn.empty()) {
+    std::string warning;
+    review = demo::loadReview(options->pdn, options->game, error, warning);
+    if (!review) {
+      std::fprintf(stderr, "%s: %s\n", program.c_str(), error.c_str());
+      return 1;
+    }
+    if (!warning.empty()) std::fprintf(stderr, "%s: %s\n", program.c_str(), warning.c_str());
+  }
+  const demo::Review* reviewed = review ? &*review : nullptr;
 
   std::string noDisplay;
 #ifdef __linux__
@@ -48,7 +61,7 @@ int main(int argc, char** argv) {
         ostrel::SdlPlatform platform("ostrel-demo", 800, 800);
         if (platform.ok()) {
           windowed = true;
-          result = demo::runWindow(platform, seed);
+          result = demo::runWindow(platform, seed, reviewed);
         } else {
           noDisplay = platform.error();
         }
@@ -72,5 +85,6 @@ int main(int argc, char** argv) {
   run.plies = options->plies;
   run.out = options->out;
   run.seed = seed;
+  run.review = reviewed;
   return demo::playHeadless(run, std::cout);
 }
