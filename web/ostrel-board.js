@@ -142,5 +142,24 @@
     }
   }
 
+  // International draughts rules from the host kit, over FEN texts.
+  const OstrelRules = {
+    async load() {
+      const module = await loadModule();
+      return {
+        // The legal moves of the side to move, as the board's setMoves takes them.
+        moves(fen) {
+          const list = module.ccall("ostrel_rules_moves", "string", ["string"], [fen]);
+          return list ? list.split("|") : [];
+        },
+        // The position after a move, or null when the text names no single legal move.
+        play(fen, move) {
+          return module.ccall("ostrel_rules_play", "string", ["string", "string"], [fen, move]) || null;
+        },
+      };
+    },
+  };
+
   global.OstrelBoard = OstrelBoard;
+  global.OstrelRules = OstrelRules;
 })(window);

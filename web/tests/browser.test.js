@@ -160,3 +160,25 @@ test("a touch drag from 32 to 28 reports 32-28", async () => {
   assert.ok(Math.abs(sizes.width - 2 * sizes.css) <= 2, JSON.stringify(sizes));
   await context.close();
 });
+
+test("black replies to 32-28 with one of its legal moves, and white may move again", async () => {
+  const { page, context } = await openPage();
+  const c = await fieldCentres(page);
+  await page.mouse.move(c[32].x, c[32].y);
+  await page.mouse.down();
+  await page.mouse.move(c[28].x, c[28].y, { steps: 8 });
+  await page.mouse.up();
+  await page.waitForFunction(() => window.ostrelPage.replies.length === 1, null, { timeout: 10000 });
+  const reply = await page.evaluate(() => window.ostrelPage.replies[0]);
+  // After 32-28 black's men on 16 to 20 have the only moves, each one row down.
+  const [from, to] = reply.split("-").map(Number);
+  assert.ok(from >= 16 && from <= 20 && to >= 21 && to <= 25, reply);
+  // A second drag is taken once the reply is on the board: 37-32 is legal whatever black did.
+  await page.waitForFunction(() => window.ostrelPage.whiteToMove, null, { timeout: 30000 });
+  await page.mouse.move(c[37].x, c[37].y);
+  await page.mouse.down();
+  await page.mouse.move(c[32].x, c[32].y, { steps: 8 });
+  await page.mouse.up();
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), ["32-28", "37-32"]);
+  await context.close();
+});
