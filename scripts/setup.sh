@@ -7,6 +7,7 @@ packages=(
   libepoxy-dev libegl-dev libegl-mesa0 libgl1-mesa-dri
   libassimp-dev libstb-dev fonts-dejavu-core libsdl2-dev
   libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev
+  libpng-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
 )
 
 missing=()

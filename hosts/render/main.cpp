@@ -8,21 +8,36 @@
 #include <string>
 #include <vector>
 
+#include "GameOptions.h"
+#include "GameRender.h"
+#include "PngWriter.h"
 #include "Position.h"
 #include "ostrel/ostrel.h"
 
 int main(int argc, char** argv) {
   const std::string program = argc > 0 ? argv[0] : "ostrel-render";
   std::string error;
-  auto options = render::parseArguments(std::vector<std::string>(argv + 1, argv + argc), error);
+  std::vector<std::string> args(argv + 1, argv + argc);
+  render::GameOptions game;
+  std::optional<render::Options> options;
+  if (render::takeGameArguments(args, game, error)) options = render::parseArguments(args, error);
+  if (options && !render::checkGameOptions(*options, game, error)) options.reset();
   if (!options) {
-    std::fprintf(stderr, "%s: %s\n\n%s", program.c_str(), error.c_str(),
-                 render::usage(program).c_str());
+    std::fprintf(stderr, "%s: %s\n\n%s%s", program.c_str(), error.c_str(),
+                 render::usage(program).c_str(), render::gameUsage(program).c_str());
     return 2;
   }
   if (options->help) {
-    std::printf("%s", render::usage(program).c_str());
+    std::printf("%s%s", render::usage(program).c_str(), render::gameUsage(program).c_str());
     return 0;
+  }
+  std::optional<ostrel::draughts::PdnGame> pdn;
+  if (!game.pdn.empty()) {
+    pdn = render::loadGame(game, error);
+    if (!pdn) {
+      std::fprintf(stderr, "%s: %s\n", program.c_str(), error.c_str());
+      return 1;
+    }
   }
 
   ostrel::HeadlessOptions headless;
@@ -54,6 +69,8 @@ int main(int argc, char** argv) {
     return 1;
   }
 
+  if (pdn) return render::renderGame(program, board, platform, *options, game, *pdn);
+
   if (!options->lastMove.empty()) {
     board.highlightLastMove(true);
     board.setHighLightField(*render::lastField(options->lastMove));
@@ -61,8 +78,8 @@ int main(int argc, char** argv) {
   if (!options->marks.empty()) board.setHLfields(options->marks);
   board.render();
 
-  if (!platform.saveWindowPng(options->out)) {
-    std::fprintf(stderr, "%s: cannot write %s\n", program.c_str(), options->out.c_str());
+  if (!render::writePng(options->out, platform.windowImage(), error)) {
+    std::fprintf(stderr, "%s: %s\n", program.c_str(), error.c_str());
     return 1;
   }
   std::printf("%s: wrote %s (%d x %d)\n", program.c_str(), options->out.c_str(), options->width,

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "Position.h"
+#include "tests/RenderProgram.h"
 
 namespace {
 
@@ -132,31 +133,6 @@ TEST(RenderArguments, BadArgumentsAreNamed) {
     EXPECT_FALSE(error.empty()) << args[0];
   }
 }
-
-class RenderProgram : public ::testing::Test {
- protected:
-  void SetUp() override {
-    dir_ = std::filesystem::temp_directory_path() /
-           ("ostrel-render-test-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir_);
-  }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
-
-  // Runs the program with arguments; stdout and stderr land in files under the folder.
-  int run(const std::string& args) {
-    const std::string command = std::string(OSTREL_RENDER_PROGRAM) + " " + args + " >" +
-                                (dir_ / "out.txt").string() + " 2>" + (dir_ / "err.txt").string();
-    const int status = std::system(command.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  std::string read(const char* name) {
-    std::ifstream f(dir_ / name);
-    std::stringstream ss;
-    ss << f.rdbuf();
-    return ss.str();
-  }
-  std::filesystem::path dir_;
-};
 
 TEST_F(RenderProgram, BadArgumentsPrintTheUsageAndFail) {
   EXPECT_NE(run("--size nine"), 0);

@@ -1,0 +1,239 @@
+// The parts of ostrel-render's game output that stand alone: the PNG writer, the GIF palette,
+// the progress line, the game options and the choice of a film's format.
+
+#include <gtest/gtest.h>
+#include <stb_image.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "GameOptions.h"
+#include "GifPalette.h"
+#include "PngWriter.h"
+#include "Progress.h"
+#include "VideoReadback.h"
+#include "VideoWriter.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using render::testing::meanDifference;
+
+ostrel::Image picture(int width, int height, uint32_t (*colour)(int x, int y)) {
+  ostrel::Image image;
+  image.width = width;
+  image.height = height;
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      const uint32_t c = colour(x, y);
+      image.rgba.insert(image.rgba.end(), {uint8_t(c >> 16), uint8_t(c >> 8), uint8_t(c), 255});
+    }
+  }
+  return image;
+}
+
+// Smooth in every channel: far more colours than a GIF holds.
+uint32_t gradient(int x, int y) {
+  return uint32_t(x * 2) << 16 | uint32_t(y * 2) << 8 | uint32_t((x + y) & 0xFF);
+}
+
+class Folder : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    dir_ = fs::temp_directory_path() / ("ostrel-render-units-" + std::to_string(::getpid()));
+    fs::create_directories(dir_);
+  }
+  void TearDown() override { fs::remove_all(dir_); }
+  std::vector<std::string> names() const {
+    std::vector<std::string> n;
+    for (const auto& e : fs::directory_iterator(dir_)) n.push_back(e.path().filename().string());
+    std::sort(n.begin(), n.end());
+    return n;
+  }
+  fs::path dir_;
+};
+
+using PngWriter = Folder;
+
+TEST_F(PngWriter, WritesRgbThatReadsBackAsGiven) {
+  const ostrel::Image image = picture(61, 17, gradient);
+  const std::string path = (dir_ / "a.png").string();
+  std::string error;
+  ASSERT_TRUE(render::writePng(path, image, error)) << error;
+  int w = 0, h = 0, channels = 0;
+  stbi_uc* pixels = stbi_load(path.c_str(), &w, &h, &channels, 4);
+  ASSERT_NE(pixels, nullptr);
+  EXPECT_EQ(channels, 3) << "no alpha channel";
+  ostrel::Image back{w, h, std::vector<uint8_t>(pixels, pixels + size_t(w) * h * 4)};
+  stbi_image_free(pixels);
+  EXPECT_EQ(back.rgba, image.rgba);
+  EXPECT_EQ(names(), std::vector<std::string>{"a.png"}) << "nothing else left behind";
+}
+
+TEST_F(PngWriter, FailuresSayWhyAndLeaveNoFile) {
+  std::string error;
+  EXPECT_FALSE(render::writePng((dir_ / "no" / "a.png").string(), picture(4, 4, gradient), error));
+  EXPECT_NE(error.find("cannot write"), std::string::npos) << error;
+  EXPECT_FALSE(render::writePng((dir_ / "b.png").string(), ostrel::Image{}, error));
+  if (::geteuid() != 0) {  // root writes anywhere
+    fs::create_directories(dir_ / "locked");
+    ::chmod((dir_ / "locked").c_str(), 0500);
+    EXPECT_FALSE(
+        render::writePng((dir_ / "locked" / "c.png").string(), picture(4, 4, gradient), error));
+  }
+  EXPECT_FALSE(fs::exists(dir_ / "b.png"));
+  EXPECT_TRUE(!fs::exists(dir_ / "locked") || fs::is_empty(dir_ / "locked"));
+}
+
+TEST(GifPalette, FewColoursAreKeptExactlyAndManyAreNear) {
+  // Eight colours fit: each maps to an entry of exactly its value.
+  const ostrel::Image few =
+      picture(40, 40, [](int x, int y) { return 0x102030u * uint32_t((x / 5 + y / 5) % 8); });
+  render::GifPalette exact(std::span(&few, 1));
+  EXPECT_EQ(exact.colourCount(), 8);
+  std::vector<uint8_t> indices(40 * 40);
+  exact.map(few, indices.data(), 40);
+  for (size_t i = 0; i < indices.size(); ++i) {
+    const uint32_t entry = exact.argb()[indices[i]];
+    ASSERT_EQ(entry >> 24, 0xFFu);
+    ASSERT_EQ(entry & 0xFFFFFF, uint32_t(few.rgba[i * 4]) << 16 |
+                                    uint32_t(few.rgba[i * 4 + 1]) << 8 | few.rgba[i * 4 + 2])
+        << i;
+  }
+
+  const ostrel::Image many = picture(128, 128, gradient);
+  render::GifPalette palette(std::span(&many, 1));
+  EXPECT_EQ(palette.colourCount(), 256);
+  std::vector<uint8_t> all(128 * 128);
+  palette.map(many, all.data(), 128);
+  ostrel::Image mapped = many;
+  for (size_t i = 0; i < all.size(); ++i) {
+    const uint32_t entry = palette.argb()[all[i]];
+    mapped.rgba[i * 4] = uint8_t(entry >> 16);
+    mapped.rgba[i * 4 + 1] = uint8_t(entry >> 8);
+    mapped.rgba[i * 4 + 2] = uint8_t(entry);
+  }
+  // 256 boxes over a cube of 256 levels a side: about 40 levels each way, so the mean error of
+  // the nearest entry is a few levels.
+  EXPECT_LT(meanDifference(mapped, many), 8.0);
+  EXPECT_GT(meanDifference(mapped, many), 0.0);
+}
+
+TEST(Progress, TheLineCountsPliesAndEstimatesTheRest) {
+  struct Case {
+    size_t done, total;
+    double seconds;
+    const char* line;
+  } const cases[] = {
+      {0, 80, 0.0, "ply 0 of 80, 0%"},
+      {20, 80, 5.0, "ply 20 of 80, 25%, about 15 s left"},
+      {79, 80, 79.5, "ply 79 of 80, 98%, about 2 s left"},
+      {80, 80, 99.0, "ply 80 of 80, 100%"},
+      {0, 0, 0.0, "ply 0 of 0, 100%"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(render::Progress::line(c.done, c.total, c.seconds), c.line);
+  }
+  // Not a terminal: nothing is shown.
+  std::FILE* file = std::tmpfile();
+  render::Progress quiet(file, 10);
+  quiet.update(5);
+  EXPECT_FALSE(quiet.shown());
+  EXPECT_EQ(std::ftell(file), 0);
+  std::fclose(file);
+}
+
+TEST(VideoFormat, ByExtensionInAnyCase) {
+  using render::VideoFormat;
+  EXPECT_EQ(render::videoFormatOf("a.mp4"), VideoFormat::Mp4);
+  EXPECT_EQ(render::videoFormatOf("dir.x/A.WebM"), VideoFormat::WebM);
+  EXPECT_EQ(render::videoFormatOf("film.GIF"), VideoFormat::Gif);
+  for (const char* other : {"a.avi", "a.mp4.part", "mp4", "dir.mp4/film", "a.", ""}) {
+    EXPECT_FALSE(render::videoFormatOf(other)) << other;
+  }
+}
+
+TEST(GameArguments, TakenOutOfTheRest) {
+  std::vector<std::string> args = {"--size",  "200", "--pdn",   "g.pdn",       "--game", "2",
+                                   "--ply",   "7",   "--video", "f.GIF",       "--fps",  "12",
+                                   "--pause", "0.5", "--intro", "--all-plies", "plies"};
+  render::GameOptions game;
+  std::string error;
+  ASSERT_TRUE(render::takeGameArguments(args, game, error)) << error;
+  EXPECT_EQ(args, (std::vector<std::string>{"--size", "200"}));
+  EXPECT_EQ(game.pdn, "g.pdn");
+  EXPECT_EQ(game.game, 2);
+  EXPECT_EQ(game.ply, 7u);
+  EXPECT_EQ(game.video, "f.GIF");
+  EXPECT_EQ(game.fps, 12);
+  EXPECT_DOUBLE_EQ(game.pauseSeconds, 0.5);
+  EXPECT_TRUE(game.intro);
+  EXPECT_EQ(game.allPlies, "plies");
+
+  const std::vector<std::vector<std::string>> bad = {
+      {"--pdn"},
+      {"--pdn", ""},
+      {"--pdn", "g.pdn", "--game", "0"},
+      {"--pdn", "g.pdn", "--ply", "-1"},
+      {"--pdn", "g.pdn", "--video", "f.avi"},
+      {"--pdn", "g.pdn", "--video", "f.gif", "--fps", "0"},
+      {"--pdn", "g.pdn", "--video", "f.gif", "--fps", "500"},
+      {"--pdn", "g.pdn", "--video", "f.gif", "--pause", "-1"},
+      {"--pdn", "g.pdn", "--video", "f.gif", "--pause", "soon"},
+      {"--pdn", "g.pdn", "--intro"},  // no film to open
+      {"--video", "f.mp4"},           // no game
+      {"--all-plies", "dir"},
+      {"--pdn", "g.pdn", "--all-plies", ""},
+  };
+  for (auto b : bad) {
+    const std::string shown = b.back();
+    render::GameOptions g;
+    EXPECT_FALSE(render::takeGameArguments(b, g, error)) << shown;
+    EXPECT_FALSE(error.empty()) << shown;
+  }
+}
+
+TEST(GameArguments, AGameExcludesASinglePositionsOptions) {
+  render::GameOptions game;
+  game.pdn = "g.pdn";
+  std::string error;
+  render::Options plain;
+  EXPECT_TRUE(render::checkGameOptions(plain, game, error));
+  render::Options fen = plain, move = plain, emf = plain;
+  fen.position[0] = render::kWhiteKing;
+  move.lastMove = "32-28";
+  emf.emf = "x.emf";
+  for (const render::Options& o : {fen, move, emf}) {
+    error.clear();
+    EXPECT_FALSE(render::checkGameOptions(o, game, error));
+    EXPECT_FALSE(error.empty());
+  }
+  EXPECT_TRUE(render::checkGameOptions(move, render::GameOptions{}, error)) << "no game";
+}
+
+using VideoWriterFiles = Folder;
+
+TEST_F(VideoWriterFiles, OddSizesWrongFramesAndUnwritablePathsAreRefused) {
+  std::string error;
+  EXPECT_FALSE(render::VideoWriter::open((dir_ / "odd.mp4").string(), render::VideoFormat::Mp4, 33,
+                                         32, 25, {}, error));
+  EXPECT_NE(error.find("even"), std::string::npos) << error;
+  EXPECT_FALSE(render::VideoWriter::open((dir_ / "no" / "x.webm").string(),
+                                         render::VideoFormat::WebM, 32, 32, 25, {}, error));
+  EXPECT_NE(error.find("cannot write"), std::string::npos) << error;
+
+  const ostrel::Image frame = picture(32, 32, gradient);
+  auto writer = render::VideoWriter::open((dir_ / "x.gif").string(), render::VideoFormat::Gif, 32,
+                                          32, 25, std::span(&frame, 1), error);
+  ASSERT_TRUE(writer) << error;
+  EXPECT_FALSE(writer->addFrame(picture(16, 32, gradient), 1, error));
+  ASSERT_TRUE(writer->addFrame(frame, 3, error)) << error;
+  EXPECT_TRUE(names().empty() || names().front().find(".part") != std::string::npos)
+      << "nothing under the name before the end";
+  writer.reset();  // given up: the partial file goes
+  EXPECT_TRUE(names().empty());
+}
+
+}  // namespace
