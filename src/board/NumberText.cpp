@@ -1,7 +1,11 @@
 #include "board/NumberText.h"
 
+#include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
 
 namespace ostrel::board {
 
@@ -40,10 +44,34 @@ double leadingNumber(std::string_view text) {
   bool negative = number[0] == '-';
   if (number[0] == '+' || negative) number.remove_prefix(1);
   double value = 0;
+#if defined(__cpp_lib_to_chars)
   auto [end, ec] = std::from_chars(number.data(), number.data() + number.size(), value);
   (void)end;
   if (ec == std::errc::result_out_of_range) value = negativeExponent ? 0.0 : HUGE_VAL;
+#else
+  // A C++ library without floating-point from_chars (WebAssembly's): strtod there knows only the
+  // "C" locale, whose decimal point is '.'.
+  const std::string copy(number);
+  errno = 0;
+  value = std::strtod(copy.c_str(), nullptr);
+  if (errno == ERANGE) value = negativeExponent ? 0.0 : HUGE_VAL;
+#endif
   return negative ? -value : value;
+}
+
+std::string shortestText(double value) {
+  if (!std::isfinite(value)) return {};
+  char buffer[64];
+#if defined(__cpp_lib_to_chars)
+  auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, value);
+  return ec == std::errc() ? std::string(buffer, end) : std::string();
+#else
+  for (int digits = 1; digits <= 17; ++digits) {
+    std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+    if (std::strtod(buffer, nullptr) == value) break;
+  }
+  return buffer;
+#endif
 }
 
 }  // namespace ostrel::board

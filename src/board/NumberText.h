@@ -1,6 +1,7 @@
 #pragma once
 // Reading the number at the start of a text, the way tokens and dynamic values are read.
 
+#include <string>
 #include <string_view>
 
 namespace ostrel::board {
@@ -8,5 +9,9 @@ namespace ostrel::board {
 // The longest number at the start of the text after leading blanks (sign, digits, an optional
 // fraction and exponent); 0 when there is none. Never reads beyond the view.
 double leadingNumber(std::string_view text);
+
+// The shortest text that reads back as the same double ("0.1", "1e+20"); empty for NaN and
+// infinities.
+std::string shortestText(double value);
 
 }  // namespace ostrel::board

@@ -13,11 +13,7 @@ std::string Variant::toString() const {
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(bool b) const { return b ? "True" : "False"; }
     std::string operator()(int64_t i) const { return std::to_string(i); }
-    std::string operator()(double d) const {
-      char buffer[64];
-      auto [end, ec] = std::to_chars(buffer, buffer + sizeof buffer, d);
-      return ec == std::errc() ? std::string(buffer, end) : std::string();
-    }
+    std::string operator()(double d) const { return board::shortestText(d); }
     std::string operator()(const std::string& s) const { return s; }
   };
   return std::visit(Visitor{}, value_);

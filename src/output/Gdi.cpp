@@ -4,8 +4,8 @@
 #include "output/Gdi.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <mutex>
@@ -45,7 +45,11 @@ class Writer {
     for (int shift = 0; shift < 32; shift += 8) out_.push_back(static_cast<uint8_t>(v >> shift));
   }
   void i32(int32_t v) { u32(static_cast<uint32_t>(v)); }
-  void f32(float v) { u32(std::bit_cast<uint32_t>(v)); }
+  void f32(float v) {
+    uint32_t bits;
+    std::memcpy(&bits, &v, sizeof bits);
+    u32(bits);
+  }
   void rect(const RECT& r) {
     i32(r.left);
     i32(r.top);

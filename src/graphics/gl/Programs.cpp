@@ -29,7 +29,7 @@ void main() {
   gl_Position = vec4(c.x, c.y, 2.0 * c.z - c.w, c.w);
 #if LIGHTING
 #if COLOURS
-  vec4 cd = aColor;
+  vec4 cd = VERTEX_COLOUR;
 #else
   vec4 cd = uMatDiffuse;
 #endif
@@ -42,7 +42,7 @@ void main() {
 #endif
   vColor = clamp(vec4(rgb, cd.a), 0.0, 1.0);
 #elif COLOURS
-  vColor = aColor;
+  vColor = VERTEX_COLOUR;
 #else
   vColor = vec4(1.0);
 #endif
@@ -97,9 +97,10 @@ void main() {
 )";
 
 const char* header(GlslDialect dialect) {
-  return dialect == GlslDialect::Es300
-             ? "#version 300 es\nprecision highp float;\nprecision highp int;\n"
-             : "#version 330 core\n";
+  // GLSL ES has no BGRA vertex fetch: the shader swaps a D3DCOLOR's bytes itself.
+  return dialect == GlslDialect::Es300 ? "#version 300 es\nprecision highp float;\nprecision highp "
+                                         "int;\n#define VERTEX_COLOUR aColor.bgra\n"
+                                       : "#version 330 core\n#define VERTEX_COLOUR aColor\n";
 }
 
 // The GLSL of one stage operation on its two arguments; anything else passes the diffuse colour.
@@ -209,8 +210,8 @@ Program& ProgramSet::get(const ProgramKey& key, bool& compiled) {
   if (!fresh) return it->second;
   Program& p = it->second;
   try {
-    p.id = linkProgram(shaderSource(GlslDialect::Desktop330, GL_VERTEX_SHADER, key),
-                       shaderSource(GlslDialect::Desktop330, GL_FRAGMENT_SHADER, key));
+    p.id = linkProgram(shaderSource(kBuildDialect, GL_VERTEX_SHADER, key),
+                       shaderSource(kBuildDialect, GL_FRAGMENT_SHADER, key));
   } catch (...) {
     programs_.erase(it);
     throw;

@@ -18,6 +18,17 @@ namespace ostrel::graphics::gl {
 
 enum class GlslDialect { Desktop330, Es300 };
 
+// The dialect of the GL this build draws with: OpenGL ES 3.0 (WebGL 2) when OSTREL_GL_ES is set.
+#ifdef OSTREL_GL_ES
+inline constexpr GlslDialect kBuildDialect = GlslDialect::Es300;
+// A D3DCOLOR vertex attribute is fetched as R, G, B, A bytes; the shader swaps them.
+inline constexpr GLint kVertexColourSize = 4;
+#else
+inline constexpr GlslDialect kBuildDialect = GlslDialect::Desktop330;
+// A D3DCOLOR vertex attribute is fetched in its memory order B, G, R, A.
+inline constexpr GLint kVertexColourSize = GL_BGRA;
+#endif
+
 // What a program variant is made for.
 struct ProgramKey {
   bool normals = false, colours = false, coords = false;  // what the vertices carry

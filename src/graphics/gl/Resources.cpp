@@ -105,7 +105,7 @@ GlMesh::GlMesh(std::shared_ptr<GlDevice> device, std::shared_ptr<GlContext> gl, 
   if (fvf_ & D3DFVF_DIFFUSE) {
     // D3DCOLOR: 0xAARRGGBB, in memory B, G, R, A.
     glEnableVertexAttribArray(2);
-    glVertexAttribPointer(2, GL_BGRA, GL_UNSIGNED_BYTE, GL_TRUE, s, pointer(offset));
+    glVertexAttribPointer(2, kVertexColourSize, GL_UNSIGNED_BYTE, GL_TRUE, s, pointer(offset));
     offset += 4;
     vertexFlags_ |= kColours;
   }
