@@ -113,6 +113,8 @@ class BoardWidget::WidgetPlatform : public Platform, public Surface {
   }
   void Refresh(const Label&) override { widget_.showPicture(); }
   Surface& surface() override { return *this; }
+  // Qt composes the widget with the same context between our frames.
+  bool toolkitSharesContext() const override { return true; }
 
   bool makeContextCurrent() override {
     QOpenGLContext* context = widget_.context();

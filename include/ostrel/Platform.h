@@ -44,6 +44,10 @@ class Surface {
   // What the window shows now: the last presented picture (the control's back colour before the
   // first), with the visible parts of the status frame over it. The screen dump reads it.
   virtual Image windowImage() const = 0;
+  // True when the toolkit draws with the same OpenGL context between the control's frames (a
+  // widget toolkit that composes the window itself): the device layer then sets its GL state anew
+  // at the start of each frame instead of trusting what it set last.
+  virtual bool toolkitSharesContext() const { return false; }
 };
 
 class Platform {

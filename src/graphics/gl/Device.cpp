@@ -41,6 +41,7 @@ void GlDevice::Reset(D3DPRESENT_PARAMETERS& p) {
 void GlDevice::Clear(uint32_t count, const D3DRECT* rects, uint32_t flags, uint32_t color, float z,
                      uint32_t) {
   gl_->requireCurrent();
+  if (window_.surface().toolkitSharesContext()) gl_->cache.forget();
   GlStateCache& c = gl_->cache;
   DeviceCounters& n = gl_->counters;
   c.bindFramebuffer(framebuffer_);

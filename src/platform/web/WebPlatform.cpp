@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "graphics/d3d8.h"
-#include "platform/PlatformSources.h"
+#include "ostrel/PlatformSupport.h"
 
 namespace ostrel {
 
@@ -53,7 +53,7 @@ WebPlatform::WebPlatform(std::string canvasSelector, std::string assetFolder)
       random_(static_cast<uint32_t>(emscripten_get_now())) {}
 
 WebPlatform::~WebPlatform() {
-  graphics::platformContextGoing(*this);
+  releaseGraphics(*this);
   if (context_) emscripten_webgl_destroy_context(context_);
 }
 
@@ -169,9 +169,5 @@ Image WebPlatform::windowImage() const {
   }
   return image;
 }
-
-void WebPlatform::attachControl(const int32_t*, const Label*, const Label*, const Label*) {}
-
-void WebPlatform::detachControl() {}
 
 }  // namespace ostrel

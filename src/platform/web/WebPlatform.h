@@ -10,7 +10,7 @@
 
 namespace ostrel {
 
-class WebPlatform : public Platform {
+class WebPlatform : public Platform, public Surface {
  public:
   // canvasSelector names the canvas ("#board"); assetFolder is where the packed models lie.
   WebPlatform(std::string canvasSelector, std::string assetFolder);
@@ -34,15 +34,13 @@ class WebPlatform : public Platform {
   float controlHeight() override;
   void MsgBox(const std::string& text) override;
   void Refresh(const Label& label) override;
+  Surface& surface() override { return *this; }
 
   bool makeContextCurrent() override;
   void placePicture(int32_t widthPixels, int32_t heightPixels) override;
   void pictureSize(int32_t& widthPixels, int32_t& heightPixels) override;
   void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) override;
   Image windowImage() const override;
-  void attachControl(const int32_t* backColor, const Label* frame, const Label* status,
-                     const Label* progress) override;
-  void detachControl() override;
 
  private:
   std::string canvas_, assets_;
