@@ -1,9 +1,9 @@
 #include "GameOptions.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
+#include "Position.h"
 #include "VideoWriter.h"
 
 namespace render {
@@ -12,13 +12,6 @@ namespace {
 
 constexpr int kMaxFps = 120;
 constexpr double kMaxPauseSeconds = 60;
-
-std::optional<long long> wholeNumber(const std::string& s) {
-  long long value = 0;
-  auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), value);
-  if (s.empty() || ec != std::errc() || end != s.data() + s.size()) return std::nullopt;
-  return value;
-}
 
 }  // namespace
 

@@ -33,15 +33,6 @@ std::vector<std::string_view> split(std::string_view s, char delimiter) {
   return parts;
 }
 
-// A whole decimal number, nothing before or after it.
-std::optional<int> wholeNumber(std::string_view s) {
-  s = trim(s);
-  int value = 0;
-  auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), value);
-  if (s.empty() || ec != std::errc() || end != s.data() + s.size()) return std::nullopt;
-  return value;
-}
-
 std::optional<int16_t> fieldNumber(std::string_view s) {
   auto n = wholeNumber(s);
   if (!n || *n < 1 || *n > kFields) return std::nullopt;
@@ -131,6 +122,15 @@ bool readPieces(std::string_view list, bool white, Position& position, std::stri
 }
 
 }  // namespace
+
+// A whole decimal number, nothing before or after it.
+std::optional<int> wholeNumber(std::string_view s) {
+  s = trim(s);
+  int value = 0;
+  auto [end, ec] = std::from_chars(s.data(), s.data() + s.size(), value);
+  if (s.empty() || ec != std::errc() || end != s.data() + s.size()) return std::nullopt;
+  return value;
+}
 
 Position startingPosition() {
   Position p{};

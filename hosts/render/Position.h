@@ -53,4 +53,7 @@ std::optional<Options> parseArguments(const std::vector<std::string>& args, std:
 
 std::string usage(std::string_view program);
 
+// A whole decimal number, nothing but spaces around it; no value when it is not one or overflows.
+std::optional<int> wholeNumber(std::string_view s);
+
 }  // namespace render
