@@ -46,19 +46,7 @@ struct Rig {
 
   // Where the board point of a field lies in pic, in twips, under the camera of the last frame.
   void twipsOf(int16_t field, float& X, float& Y) {
-    float x = 0, y = 0;
-    fieldToBoard(field, x, y);
-    graphics::Direct3DDevice8& d = *graphics::graphicsContext().device;
-    graphics::D3DVIEWPORT8 viewport;
-    graphics::D3DMATRIX view, projection;
-    d.GetViewport(viewport);
-    d.GetTransform(graphics::D3DTS_VIEW, view);
-    d.GetTransform(graphics::D3DTS_PROJECTION, projection);
-    D3DVECTOR screen;
-    graphics::D3DXVec3Project(screen, D3DVECTOR{x, 0.2265f, y}, viewport, projection, view,
-                              controlState(board).worldMatrix);
-    X = screen.x * platform.TwipsPerPixelX();
-    Y = screen.y * platform.TwipsPerPixelY();
+    interaction::fieldToScreen(controlState(board), field, X, Y);
   }
 
   HeadlessPlatform platform;

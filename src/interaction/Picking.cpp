@@ -53,4 +53,22 @@ void screenToBoard(ControlState& s, float x, float y, float& boardX, float& boar
   boardToField(boardX, boardY, field);
 }
 
+bool fieldToScreen(ControlState& s, int16_t field, float& x, float& y) {
+  graphics::Direct3DDevice8* device = graphics::graphicsContext().device.get();
+  if (!device) return false;
+  graphics::D3DVIEWPORT8 viewport;
+  graphics::D3DMATRIX view, projection;
+  device->GetViewport(viewport);
+  device->GetTransform(graphics::D3DTS_VIEW, view);
+  device->GetTransform(graphics::D3DTS_PROJECTION, projection);
+  float boardX = 0, boardY = 0;
+  fieldToBoard(field, boardX, boardY);
+  D3DVECTOR screen;
+  graphics::D3DXVec3Project(screen, D3DVECTOR{boardX, scene::kDiscRestHeight, boardY}, viewport,
+                            projection, view, s.worldMatrix);
+  x = screen.x * s.platform.TwipsPerPixelX();
+  y = screen.y * s.platform.TwipsPerPixelY();
+  return true;
+}
+
 }  // namespace ostrel::interaction

@@ -13,4 +13,8 @@ namespace ostrel::interaction {
 // the field of (boardX, boardY), -1 off the board and on light squares.
 void screenToBoard(ControlState& s, float x, float y, float& boardX, float& boardY, int16_t& field);
 
+// The other way: where the last frame shows the top of a disc resting on a field, in twips of pic.
+// False without a device.
+bool fieldToScreen(ControlState& s, int16_t field, float& x, float& y);
+
 }  // namespace ostrel::interaction

@@ -14,6 +14,7 @@
 #include "control/ControlAccess.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/d3d8.h"
+#include "interaction/Picking.h"
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
 #include "ostrel/notation.h"
@@ -71,19 +72,7 @@ Image render(const Shot& shot) {
   board.render();
   // The pointer on field 32, then half-way towards 28, under the camera of the last frame.
   auto twips = [&](int16_t field, float& X, float& Y) {
-    float x = 0, y = 0;
-    fieldToBoard(field, x, y);
-    graphics::Direct3DDevice8& d = *graphics::graphicsContext().device;
-    graphics::D3DVIEWPORT8 viewport;
-    graphics::D3DMATRIX view, projection;
-    d.GetViewport(viewport);
-    d.GetTransform(graphics::D3DTS_VIEW, view);
-    d.GetTransform(graphics::D3DTS_PROJECTION, projection);
-    D3DVECTOR screen;
-    graphics::D3DXVec3Project(screen, D3DVECTOR{x, 0.2265f, y}, viewport, projection, view,
-                              controlState(board).worldMatrix);
-    X = screen.x * platform.TwipsPerPixelX();
-    Y = screen.y * platform.TwipsPerPixelY();
+    interaction::fieldToScreen(controlState(board), field, X, Y);
   };
   float fromX, fromY, toX, toY;
   twips(32, fromX, fromY);
