@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <vector>
 
 namespace ostrel::bench {
@@ -21,6 +22,14 @@ double timedMs(F&& f) {
   const auto t0 = Clock::now();
   f();
   return std::chrono::duration<double, std::milli>(Clock::now() - t0).count();
+}
+
+// Processor time of the whole process, the renderer's threads included, in milliseconds. On a
+// machine shared with other work it varies far less than wall time.
+inline double processCpuMs() {
+  timespec t{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) / 1e6;
 }
 
 }  // namespace ostrel::bench

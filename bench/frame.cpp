@@ -3,7 +3,9 @@
 // multisampling. Both are measured in the same run on the same device, alternating, so that the
 // ratio survives a busy machine.
 //
-// Each run reports the medians in milliseconds (full_ms, empty_ms), their ratio (full/empty), what
+// Each run reports the medians in milliseconds (full_ms, empty_ms), their ratio (full/empty), the
+// processor time of both frames, the renderer's threads included (cpu_full_ms, cpu_empty_ms), and
+// its ratio (cpu full/empty), which a machine busy with other work disturbs far less; what
 // the full frame sent to OpenGL (draws, programs, states, uniforms, buffers, gl_calls), and the
 // renderer's own statistics of both frames where it keeps them: fragment shader invocations
 // (fs_full, fs_empty) and primitives after clipping (prims_full).
@@ -24,6 +26,7 @@ namespace {
 
 using namespace ostrel;
 using bench::median;
+using bench::processCpuMs;
 using bench::timedMs;
 
 // A started control with shadows: 20 white and 20 black men, two of them kings, 15 field markers
@@ -90,6 +93,7 @@ void BM_FullOverEmpty(benchmark::State& state) {
     return;
   }
   std::vector<double> full, empty;
+  double cpuFull = 0, cpuEmpty = 0;
   graphics::DeviceCounters sent;
   rig.empty();
   const auto [fsEmpty, primsEmpty] = pipelineStatistics(rig.board);
@@ -99,15 +103,19 @@ void BM_FullOverEmpty(benchmark::State& state) {
     // Eight of each, alternating, each set warmed up by one frame.
     rig.empty();
     rig.board.render();
+    const double emptyStart = processCpuMs();
     for (int i = 0; i < 8; ++i) empty.push_back(timedMs([&] { rig.board.render(); }));
+    cpuEmpty += processCpuMs() - emptyStart;
     rig.fill();
     rig.board.render();
     double spent = 0;
+    const double fullStart = processCpuMs();
     for (int i = 0; i < 8; ++i) {
       const double ms = timedMs([&] { rig.board.render(); });
       full.push_back(ms);
       spent += ms;
     }
+    cpuFull += processCpuMs() - fullStart;
     sent = graphics::graphicsContext().device->GetFrameCounters();
     state.SetIterationTime(spent / 8 / 1000.0);
   }
@@ -115,6 +123,10 @@ void BM_FullOverEmpty(benchmark::State& state) {
   state.counters["full_ms"] = f;
   state.counters["empty_ms"] = e;
   state.counters["full/empty"] = e > 0 ? f / e : 0;
+  const double frames = 8.0 * static_cast<double>(state.iterations());
+  state.counters["cpu_full_ms"] = cpuFull / frames;
+  state.counters["cpu_empty_ms"] = cpuEmpty / frames;
+  state.counters["cpu full/empty"] = cpuEmpty > 0 ? cpuFull / cpuEmpty : 0;
   state.counters["draws"] = sent.drawCalls;
   state.counters["programs"] = sent.programChanges;
   state.counters["states"] = sent.stateChanges;
