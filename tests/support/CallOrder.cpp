@@ -179,7 +179,7 @@ class World : private HostileValues {
     ++depth_;
     ++s.busy;
     const bool outerDrawing = drawing_;
-    const uint64_t nestedBefore = f_.nestedCalls;
+    const unsigned long long nestedBefore = f_.nestedCalls;
     std::array<std::pair<const Platform*, size_t>, kSlots> boxes{};
     for (size_t i = 0; i < kSlots; ++i) {
       if (slots_[i].platform)
