@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "../consumer/WindowChecks.h"
+#include "SdlInput.h"
 
 namespace {
 
@@ -86,38 +87,20 @@ int main() {
 
     // The drag: each event through the window's queue, as the window system would deliver it.
     const uint32_t id = platform.windowId();
-    auto button = [&](uint32_t type, double x, double y) {
-      SDL_Event e{};
-      e.type = type;
-      e.button.windowID = id;
-      e.button.button = SDL_BUTTON_LEFT;
-      e.button.state = type == SDL_MOUSEBUTTONDOWN ? SDL_PRESSED : SDL_RELEASED;
-      e.button.x = static_cast<int>(std::lround(x));
-      e.button.y = static_cast<int>(std::lround(y));
-      push(e);
-    };
-    auto motion = [&](double x, double y) {
-      SDL_Event e{};
-      e.type = SDL_MOUSEMOTION;
-      e.motion.windowID = id;
-      e.motion.state = SDL_BUTTON_LMASK;
-      e.motion.x = static_cast<int>(std::lround(x));
-      e.motion.y = static_cast<int>(std::lround(y));
-      push(e);
-    };
     auto pump = [&] {
       SDL_Delay(25);  // the control takes moves from 16 ms after its last frame
       SDL_Event e;
       while (SDL_PollEvent(&e)) driver.handle(e);
       driver.tick();
     };
-    button(SDL_MOUSEBUTTONDOWN, x32, y32);
+    push(consumer::sdlButton(SDL_MOUSEBUTTONDOWN, id, x32, y32, SDL_BUTTON_LEFT));
     pump();
     for (int i = 1; i <= 5; ++i) {
-      motion(x32 + (x28 - x32) * i / 5, y32 + (y28 - y32) * i / 5);
+      const double x = x32 + (x28 - x32) * i / 5, y = y32 + (y28 - y32) * i / 5;
+      push(consumer::sdlMotion(id, x, y, SDL_BUTTON_LMASK));
       pump();
     }
-    button(SDL_MOUSEBUTTONUP, x28, y28);
+    push(consumer::sdlButton(SDL_MOUSEBUTTONUP, id, x28, y28, SDL_BUTTON_LEFT));
     pump();
 
     result = consumer::dragVerdict("consumer-sdl", moves, shot(), emptyBefore, x32, y32, x28, y28);
