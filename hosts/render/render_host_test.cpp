@@ -17,7 +17,6 @@ namespace {
 
 using render::kBlackKing;
 using render::kBlackMan;
-using render::kEmpty;
 using render::kWhiteKing;
 using render::kWhiteMan;
 
@@ -25,44 +24,31 @@ int16_t at(const render::Position& p, int field) {
   return p[static_cast<size_t>(field - 1)];
 }
 
-TEST(RenderPosition, StartingPositionInFen) {
-  std::string error;
-  auto p = render::parseFen("W:W31-50:B1-20", error);
-  ASSERT_TRUE(p) << error;
-  EXPECT_EQ(*p, render::startingPosition());
-  EXPECT_EQ(at(*p, 1), kBlackMan);
-  EXPECT_EQ(at(*p, 20), kBlackMan);
-  EXPECT_EQ(at(*p, 21), kEmpty);
-  EXPECT_EQ(at(*p, 30), kEmpty);
-  EXPECT_EQ(at(*p, 31), kWhiteMan);
+// A position with the given ranges of fields holding a code, every other field empty.
+render::Position with(std::initializer_list<std::tuple<int, int, int16_t>> ranges) {
+  render::Position p{};
+  for (const auto& [from, to, code] : ranges)
+    for (int f = from; f <= to; ++f) p[static_cast<size_t>(f - 1)] = code;
+  return p;
 }
 
-TEST(RenderPosition, KingsListsAndRangesInEitherOrder) {
-  std::string error;
-  auto p = render::parseFen("B:WK46,35-31:B1-5,K12,k 13", error);
-  ASSERT_TRUE(p) << error;
-  EXPECT_EQ(at(*p, 46), kWhiteKing);
-  for (int f = 31; f <= 35; ++f) EXPECT_EQ(at(*p, f), kWhiteMan) << f;
-  for (int f = 1; f <= 5; ++f) EXPECT_EQ(at(*p, f), kBlackMan) << f;
-  EXPECT_EQ(at(*p, 12), kBlackKing);
-  EXPECT_EQ(at(*p, 13), kBlackKing);
-  EXPECT_EQ(at(*p, 6), kEmpty);
-  EXPECT_EQ(at(*p, 50), kEmpty);
-}
-
-TEST(RenderPosition, WrappersBlanksAndAMissingSideAreTolerated) {
-  std::string error;
-  auto wrapped = render::parseFen(" [FEN \"W:W31-50:B1-20.\"] ", error);
-  ASSERT_TRUE(wrapped) << error;
-  EXPECT_EQ(*wrapped, render::startingPosition());
-  auto bare = render::parseFen("W 31 - 33 , 40:B 1", error);
-  ASSERT_TRUE(bare) << error;
-  EXPECT_EQ(at(*bare, 32), kWhiteMan);
-  EXPECT_EQ(at(*bare, 40), kWhiteMan);
-  EXPECT_EQ(at(*bare, 1), kBlackMan);
-  auto emptyBlack = render::parseFen("W:W:B", error);
-  ASSERT_TRUE(emptyBlack) << error;
-  EXPECT_EQ(*emptyBlack, render::Position{});
+TEST(RenderPosition, ReadsKingsListsRangesWrappersAndBlanks) {
+  const render::Position start = with({{1, 20, kBlackMan}, {31, 50, kWhiteMan}});
+  EXPECT_EQ(render::startingPosition(), start);
+  const std::pair<const char*, render::Position> cases[] = {
+      {"W:W31-50:B1-20", start},
+      {"B:WK46,35-31:B1-5,K12,k 13",
+       with({{46, 46, kWhiteKing}, {31, 35, kWhiteMan}, {1, 5, kBlackMan}, {12, 13, kBlackKing}})},
+      {" [FEN \"W:W31-50:B1-20.\"] ", start},
+      {"W 31 - 33 , 40:B 1", with({{31, 33, kWhiteMan}, {40, 40, kWhiteMan}, {1, 1, kBlackMan}})},
+      {"W:W:B", {}},
+  };
+  for (const auto& [fen, expected] : cases) {
+    std::string error;
+    const auto p = render::parseFen(fen, error);
+    ASSERT_TRUE(p) << fen << ": " << error;
+    EXPECT_EQ(*p, expected) << fen;
+  }
 }
 
 TEST(RenderPosition, BadPositionsAreRefusedWithAReason) {
