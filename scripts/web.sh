@@ -21,17 +21,7 @@ sudo_cmd=()
 if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
 
 step "packages"
-packages=(emscripten node-acorn nodejs chromium libutfcpp-dev libstb-dev dpkg-dev)
-# Debian's nodejs comes without npm, which fetches playwright-core.
-command -v npm >/dev/null || packages+=(npm)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  "${sudo_cmd[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+bash "$root/scripts/setup.sh"
 
 # The libraries built for WebAssembly are kept until their recipe changes.
 recipe=$(sha1sum "$root/web/deps/CMakeLists.txt" | cut -c1-12)
@@ -57,7 +47,7 @@ if [ "$(cat "$prefix/recipe" 2>/dev/null)" != "$recipe" ]; then
   step "zlib and Assimp's .x importer for WebAssembly"
   emcmake cmake -S "$root/web/deps" -B "$deps/build" -DCMAKE_BUILD_TYPE=Release "${launcher[@]}" \
     -DZLIB_SOURCE="$zsrc" -DASSIMP_SOURCE="$asrc" -DCMAKE_INSTALL_PREFIX="$prefix" >"$deps/configure.log"
-  cmake --build "$deps/build" -j2 >"$deps/build.log" || { tail -n 30 "$deps/build.log"; exit 1; }
+  cmake --build "$deps/build" -j "$(nproc)" >"$deps/build.log" || { tail -n 30 "$deps/build.log"; exit 1; }
   cmake --install "$deps/build" >/dev/null
   echo "$recipe" >"$prefix/recipe"
 fi
@@ -71,8 +61,17 @@ step "module"
 emcmake cmake -S . -B "$out/module" -DCMAKE_BUILD_TYPE=Release "${launcher[@]}" \
   -DOSTREL_BUILD_TESTS=OFF -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=OFF \
   -DOSTREL_WEB_PREFIX="$prefix" >"$out/configure.log"
-cmake --build "$out/module" -j2 --target ostrel_web
+cmake --build "$out/module" -j "$(nproc)" --target ostrel_web
 site=$out/module/web
+
+step "download size"
+total=0 packed=0
+for f in index.html ostrel-board.js ostrel.js ostrel.wasm ostrel.data; do
+  size=$(stat -c %s "$site/$f") gz=$(gzip -9c "$site/$f" | wc -c)
+  printf '  %-16s %9d bytes %9d gzip\n' "$f" "$size" "$gz"
+  total=$((total + size)) packed=$((packed + gz))
+done
+printf '  %-16s %9d bytes %9d gzip\n' "the page" "$total" "$packed"
 
 if [ "${1:-}" = "serve" ]; then
   step "serving $site on http://localhost:8080/"
