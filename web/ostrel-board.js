@@ -124,7 +124,7 @@
     // setPosition afterwards takes off what it captured.
     showMove(move) {
       return this.after("shown", () =>
-        this.module.ccall("ostrel_show_move", null, ["number", "string"], [this.id, move]));
+        this.module.ccall("ostrel_show_move", null, ["number", "string"], [this.id, String(move ?? "")]));
     }
 
     // The position builds itself up from a column of falling pieces, over ms milliseconds.
