@@ -117,9 +117,12 @@ class WebBoard : public ostrel::ctlBoardEvents {
     emitBoardEvent(b->id_, b->effectDone_, b->effectText_.c_str());
   }
 
+  // Like the control's own blocking calls, a move or the build-up under way holds the timer back;
+  // it is started again when they end.
   static void tick(void* self) {
     auto* b = static_cast<WebBoard*>(self);
     b->timer_ = 0;
+    if (b->busy()) return;
     if (b->board_.Timer1().Enabled) b->board_.Timer1_Timer();
     b->syncTimer();
   }
