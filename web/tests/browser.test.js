@@ -128,12 +128,19 @@ test("a mouse drag from 32 to 28 reports 32-28 and leaves a white disc on 28", a
   await context.close();
 });
 
-test("a drop on a field that is no listed destination reports nothing", async () => {
+test("a drop on a field that is no listed destination, or after Escape, reports nothing", async () => {
   const { page, context } = await openPage();
   const c = await fieldCentres(page);
   await page.mouse.move(c[32].x, c[32].y);
   await page.mouse.down();
   await page.mouse.move(c[23].x, c[23].y, { steps: 8 });
+  await page.mouse.up();
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
+  // Escape gives up a drag: the release over 28 plays nothing.
+  await page.mouse.move(c[32].x, c[32].y);
+  await page.mouse.down();
+  await page.mouse.move(c[28].x, c[28].y, { steps: 8 });
+  await page.keyboard.press("Escape");
   await page.mouse.up();
   assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
   await context.close();
