@@ -5,6 +5,8 @@
 #include <emscripten/emscripten.h>
 #include <emscripten/eventloop.h>
 
+#include <algorithm>
+#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -108,7 +110,14 @@ class WebBoard : public ostrel::ctlBoardEvents {
   static void stepEffect(void* self) {
     auto* b = static_cast<WebBoard*>(self);
     b->effectTimer_ = 0;
-    if (b->effect_()) {
+    bool more = false;
+    try {
+      more = b->effect_();
+    } catch (const std::exception&) {
+      // A device that failed under a frame ends the effect; the next call draws again once the
+      // device is back.
+    }
+    if (more) {
       b->effectTimer_ = emscripten_set_timeout(&WebBoard::stepEffect, kFrameMs, b);
       return;
     }
