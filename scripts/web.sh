@@ -53,8 +53,10 @@ if [ "$(cat "$prefix/recipe" 2>/dev/null)" != "$recipe" ]; then
 fi
 
 step "playwright-core"
-if [ ! -f "$out/node_modules/playwright-core/package.json" ]; then
-  (cd "$out" && npm install --no-save --no-audit --no-fund --silent playwright-core@1.65.1 >/dev/null)
+# The last release that runs on Debian 12's Node.js 18.
+playwright=1.61.1
+if ! grep -qs "\"version\": \"$playwright\"" "$out/node_modules/playwright-core/package.json"; then
+  (cd "$out" && npm install --no-save --no-audit --no-fund --silent "playwright-core@$playwright" >/dev/null)
 fi
 
 step "module"
