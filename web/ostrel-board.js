@@ -47,6 +47,7 @@
 
   // Buttons as the control counts them: 1 left, 2 right, 4 middle.
   const kButtons = [1, 4, 2];
+  const kTwipsPerCssPixel = 15;
 
   class OstrelBoard {
     constructor(module, canvas, id) {
@@ -204,17 +205,16 @@
     }
 
     // Two fingers turn the view as the right button does: the point between them moves, and
-    // twisting them sweeps it sideways by the arc they turned through.
+    // twisting them sweeps it sideways so that the board turns with the fingers. The control
+    // turns by a radian for 2000 twips of sweep, the other way in the picture's lower half.
     turnPoint() {
       const box = this.canvas.getBoundingClientRect();
       const [a, b] = [...this.touches.values()];
-      const angle = Math.atan2(b.y - a.y, b.x - a.x);
-      let twist = angle - this.turn.angle;
+      let twist = Math.atan2(b.y - a.y, b.x - a.x) - this.turn.angle;
       twist = Math.atan2(Math.sin(twist), Math.cos(twist));
-      return {
-        x: (a.x + b.x) / 2 - box.left + twist * this.turn.radius,
-        y: (a.y + b.y) / 2 - box.top,
-      };
+      const x = (a.x + b.x) / 2 - box.left, y = (a.y + b.y) / 2 - box.top;
+      const half = y > box.height / 2 ? -1 : 1;
+      return { x: x - half * twist * (2000 / kTwipsPerCssPixel), y };
     }
 
     touchDown(e) {
@@ -224,8 +224,7 @@
       if (this.pressed) this.key(27, 0);
       this.pressed = 0;
       const [a, b] = [...this.touches.values()];
-      this.turn = { angle: Math.atan2(b.y - a.y, b.x - a.x),
-        radius: Math.hypot(b.x - a.x, b.y - a.y) / 2 };
+      this.turn = { angle: Math.atan2(b.y - a.y, b.x - a.x) };
       const p = this.turnPoint();
       this.send(0, 2, 0, p.x, p.y);
     }
