@@ -60,7 +60,7 @@ int sign(float v) {
 
 MovePlayback::MovePlayback(ControlState& s, std::string_view strMove) : s_(s) {
   setHighLightField(s, -1);
-  done_ = true;
+  done_ = true;  // until a disc is found to play
   route_ = routeFields(normalMove(strMove));
   const int32_t source = fieldSlot(route_.front());
   if (source < 0) return;
