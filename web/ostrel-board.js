@@ -59,6 +59,7 @@
       this.touches = new Map();  // pointerId -> { x, y } of the fingers down
       this.turn = null;          // the two-finger turn under way
       this.status = null;        // the status frame's elements, made when first shown
+      this.images = { board: "", white: "", black: "" };
       this.wire();
     }
 
@@ -113,6 +114,15 @@
       const v = { ...now, ...view };
       this.module.ccall("ostrel_set_view", null, ["number", "number", "number", "number"],
         [this.id, v.elevation, v.azimuth, v.distance]);
+    }
+
+    // Image files of the model folder that dress the board and the pieces:
+    // { board, white, black }, "" for the models' own; fields left out keep their value.
+    setImages(images) {
+      const v = { ...this.images, ...images };
+      this.images = v;
+      this.module.ccall("ostrel_images", null, ["number", "string", "string", "string"],
+        [this.id, v.board, v.white, v.black]);
     }
 
     view() {

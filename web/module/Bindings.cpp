@@ -234,6 +234,19 @@ EMSCRIPTEN_KEEPALIVE void ostrel_progress(int id, const char* text, int visible,
   }
 }
 
+// Image files of the model folder for the board and the pieces; "" keeps the model's own. A
+// change reloads what it dresses, and a file that fails to load gives the page a message box.
+EMSCRIPTEN_KEEPALIVE void ostrel_images(int id, const char* board, const char* white,
+                                        const char* black) {
+  WebBoard* b = find(id);
+  if (!b || b->busy()) return;
+  b->board().alternativeBoard(board);
+  b->board().alternativePieceWhite(white);
+  b->board().alternativePieceBlack(black);
+  b->board().drawBoard();
+  b->board().render();
+}
+
 // The camera: elevation and azimuth in the control's units, and the viewing distance.
 EMSCRIPTEN_KEEPALIVE void ostrel_set_view(int id, double elevation, double azimuth,
                                           double distance) {

@@ -329,3 +329,24 @@ test("twisting two fingers turns the board with them", async () => {
   assert.ok(turned > 0.3 && turned < 0.55, JSON.stringify({ before, after }));
   await context.close();
 });
+
+test("an image that fails to load shows the control's message in the page's dialog", async () => {
+  const { page, context } = await openPage();
+  const c = await fieldCentres(page);
+  const white = await brightness(page, c[32]);
+  const message = await page.evaluate(() => {
+    window.board.setImages({ white: "missing.png" });
+    const dialog = document.getElementById("message");
+    return { open: dialog.open, text: dialog.querySelector("p").textContent };
+  });
+  assert.deepStrictEqual(message,
+    { open: true, text: "Texture load failed: /ostrel/models/missing.png" });
+  // The black pieces' image on the white ones: the man on 32 turns dark.
+  await page.evaluate(() => {
+    document.getElementById("message").close();
+    window.board.setImages({ white: "pieceblack.png" });
+  });
+  const dressed = await brightness(page, c[32]);
+  assert.ok(dressed < white - 40, `32 dressed black ${dressed}, white before ${white}`);
+  await context.close();
+});
