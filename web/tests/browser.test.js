@@ -46,6 +46,8 @@ async function openPage(options = {}, query = "seed=7&opening=0") {
 // Where fields lie on the canvas, in CSS pixels: the pointer is moved over a grid (without a
 // button) and the board names the field under it; each field's points are averaged.
 async function fieldCentres(page) {
+  // The control takes no pointer move within 15 ms of a frame: the scan starts after that.
+  await page.waitForTimeout(50);
   return page.evaluate(() => {
     const board = window.board;
     const box = board.canvas.getBoundingClientRect();
