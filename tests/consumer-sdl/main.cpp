@@ -15,24 +15,16 @@
 #include <string>
 #include <vector>
 
+#include "../consumer/WindowChecks.h"
+#include "SdlInput.h"
+
 namespace {
 
 constexpr int kSide = 400;
 
-struct Moves : ostrel::ctlBoardEvents {
-  std::vector<std::string> done;
-  void moveDone(int16_t&, std::string& move) override { done.push_back(move); }
-};
-
-struct Shot {
-  int width = 0, height = 0;
-  std::vector<uint8_t> rgb;
-  const uint8_t* at(int x, int y) const { return &rgb[(static_cast<size_t>(y) * width + x) * 3]; }
-};
-
 // The window's pixels as the X server holds them.
-Shot screenshot(SDL_Window* window) {
-  Shot shot;
+consumer::Shot screenshot(SDL_Window* window) {
+  consumer::Shot shot;
   SDL_SysWMinfo info;
   SDL_VERSION(&info.version);
   if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return shot;
@@ -57,43 +49,6 @@ Shot screenshot(SDL_Window* window) {
   return shot;
 }
 
-// Where two screenshots differ: the mean position of the changed pixels.
-bool changedCentre(const Shot& a, const Shot& b, double& x, double& y) {
-  long count = 0;
-  x = y = 0;
-  for (int py = 0; py < a.height && a.rgb.size() == b.rgb.size(); ++py) {
-    for (int px = 0; px < a.width; ++px) {
-      const uint8_t *p = a.at(px, py), *q = b.at(px, py);
-      if (std::abs(p[0] - q[0]) + std::abs(p[1] - q[1]) + std::abs(p[2] - q[2]) <= 30) continue;
-      x += px, y += py, ++count;
-    }
-  }
-  if (count == 0) return false;
-  x /= count, y /= count;
-  return true;
-}
-
-// Mean brightness of a small square around a point.
-double brightness(const Shot& shot, double cx, double cy) {
-  double sum = 0;
-  int n = 0;
-  for (int y = static_cast<int>(cy) - 3; y <= static_cast<int>(cy) + 3; ++y) {
-    for (int x = static_cast<int>(cx) - 3; x <= static_cast<int>(cx) + 3; ++x) {
-      const uint8_t* p = shot.at(x, y);
-      sum += (p[0] + p[1] + p[2]) / 3.0, ++n;
-    }
-  }
-  return sum / n;
-}
-
-void savePpm(const Shot& shot, const char* path) {
-  if (FILE* f = std::fopen(path, "wb")) {
-    std::fprintf(f, "P6\n%d %d\n255\n", shot.width, shot.height);
-    std::fwrite(shot.rgb.data(), 1, shot.rgb.size(), f);
-    std::fclose(f);
-  }
-}
-
 void push(SDL_Event event) {
   SDL_PushEvent(&event);
 }
@@ -114,82 +69,41 @@ int main() {
       return 1;
     }
     ostrel::ctlBoard board(platform);
-    Moves moves;
+    consumer::Moves moves;
     board.setEventSink(&moves);
     ostrel::SdlControlDriver driver(platform, board);
     const auto started = board.init(false, 0, 1);
     if (started != std::optional<bool>(true)) return 1;
-    board.viewingDistance(20);
-    for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
-    board.clearMoveList();
-    for (const char* m : {"31-27", "31-26", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"})
-      board.addMoveList(m);
-    board.drawBoard();
+    consumer::openingPosition(board);
 
-    // Where the window shows fields 32 and 28: a marker on each, seen in screenshots.
-    auto shownAt = [&](const char* field, double& x, double& y) {
-      board.setHLfields("");
-      board.render();
-      const Shot without = screenshot(platform.window());
-      board.setHLfields(field);
-      board.render();
-      const bool found = changedCentre(without, screenshot(platform.window()), x, y);
-      board.setHLfields("");
-      board.render();
-      return found;
-    };
+    const auto shot = [&] { return screenshot(platform.window()); };
     double x32 = 0, y32 = 0, x28 = 0, y28 = 0;
-    if (!shownAt("32", x32, y32) || !shownAt("28", x28, y28)) {
+    if (!consumer::shownAt(board, shot, "32", x32, y32) ||
+        !consumer::shownAt(board, shot, "28", x28, y28)) {
       std::fprintf(stderr, "consumer-sdl: the screenshots show no field markers\n");
       return 1;
     }
-    const double emptyBefore = brightness(screenshot(platform.window()), x28, y28);
+    const double emptyBefore = consumer::brightness(shot(), x28, y28);
 
     // The drag: each event through the window's queue, as the window system would deliver it.
     const uint32_t id = platform.windowId();
-    auto button = [&](uint32_t type, double x, double y) {
-      SDL_Event e{};
-      e.type = type;
-      e.button.windowID = id;
-      e.button.button = SDL_BUTTON_LEFT;
-      e.button.state = type == SDL_MOUSEBUTTONDOWN ? SDL_PRESSED : SDL_RELEASED;
-      e.button.x = static_cast<int>(std::lround(x));
-      e.button.y = static_cast<int>(std::lround(y));
-      push(e);
-    };
-    auto motion = [&](double x, double y) {
-      SDL_Event e{};
-      e.type = SDL_MOUSEMOTION;
-      e.motion.windowID = id;
-      e.motion.state = SDL_BUTTON_LMASK;
-      e.motion.x = static_cast<int>(std::lround(x));
-      e.motion.y = static_cast<int>(std::lround(y));
-      push(e);
-    };
     auto pump = [&] {
       SDL_Delay(25);  // the control takes moves from 16 ms after its last frame
       SDL_Event e;
       while (SDL_PollEvent(&e)) driver.handle(e);
       driver.tick();
     };
-    button(SDL_MOUSEBUTTONDOWN, x32, y32);
+    push(consumer::sdlButton(SDL_MOUSEBUTTONDOWN, id, x32, y32, SDL_BUTTON_LEFT));
     pump();
     for (int i = 1; i <= 5; ++i) {
-      motion(x32 + (x28 - x32) * i / 5, y32 + (y28 - y32) * i / 5);
+      const double x = x32 + (x28 - x32) * i / 5, y = y32 + (y28 - y32) * i / 5;
+      push(consumer::sdlMotion(id, x, y, SDL_BUTTON_LMASK));
       pump();
     }
-    button(SDL_MOUSEBUTTONUP, x28, y28);
+    push(consumer::sdlButton(SDL_MOUSEBUTTONUP, id, x28, y28, SDL_BUTTON_LEFT));
     pump();
 
-    const Shot after = screenshot(platform.window());
-    savePpm(after, "consumer-sdl.ppm");
-    const double on28 = brightness(after, x28, y28), on32 = brightness(after, x32, y32);
-    const bool told = moves.done == std::vector<std::string>{"32-28"};
-    const bool shown = on28 > 150 && on28 > emptyBefore + 60 && on32 < 100;
-    std::printf("consumer-sdl: moveDone %s; field 28 brightness %.0f (empty %.0f), field 32 %.0f\n",
-                moves.done.empty() ? "none" : moves.done.front().c_str(), on28, emptyBefore, on32);
-    result = told && shown ? 0 : 1;
-    std::printf("consumer-sdl: %s\n", result == 0 ? "ok" : "FAILED");
+    result = consumer::dragVerdict("consumer-sdl", moves, shot(), emptyBefore, x32, y32, x28, y28);
   }
   SDL_Quit();
   return result;

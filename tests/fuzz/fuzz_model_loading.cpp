@@ -15,6 +15,7 @@
 #include "graphics/d3d8.h"
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
+#include "support/XFileSamples.h"
 
 namespace {
 
@@ -51,16 +52,8 @@ struct Rig {
         context.direct3D->CreateDevice(0, graphics::D3DDEVTYPE_HAL, platform.get(),
                                        graphics::D3DCREATE_HARDWARE_VERTEXPROCESSING, pp);
     // A good model that names a texture, for the image half.
-    std::ofstream(folder / "models" / "quad.x") << "xof 0303txt 0032\n"
-                                                   "Mesh {\n4;\n-1.0;0.0;-1.0;,\n-1.0;0.0;1.0;,\n"
-                                                   "1.0;0.0;1.0;,\n1.0;0.0;-1.0;;\n1;\n"
-                                                   "4;0,1,2,3;;\nMeshNormals {\n1;\n0.0;1.0;0.0;;\n"
-                                                   "1;\n4;0,0,0,0;;\n}\nMeshTextureCoords {\n4;\n"
-                                                   "0.0;1.0;,\n0.0;0.0;,\n1.0;0.0;,\n1.0;1.0;;\n}\n"
-                                                   "MeshMaterialList {\n1;\n1;\n0;;\n"
-                                                   "Material {\n1.0;1.0;1.0;1.0;;\n0.0;\n"
-                                                   "0.0;0.0;0.0;;\n0.0;0.0;0.0;;\n"
-                                                   "TextureFilename { \"img.png\"; }\n}\n}\n}\n";
+    std::ofstream(folder / "models" / "quad.x")
+        << testing::squareModel(testing::XForm::Text, "img.png");
   }
   // Never destroyed: at exit the thread's graphics context goes before function statics do, so
   // the device and platform stay to the end of the process. Only the folder is removed then.

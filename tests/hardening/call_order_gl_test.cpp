@@ -35,17 +35,13 @@ TEST(CallOrder, RandomRunsKeepEveryInvariant) {
       "call order: seeds %ld..%ld, %llu operations (+%llu from handlers), %llu controls made, "
       "%llu inits (%llu true), %llu frames, %llu accepted drops, %llu device errors caught, "
       "%llu message boxes, %zu findings\n",
-      first, first + seeds - 1, static_cast<unsigned long long>(all.operations),
-      static_cast<unsigned long long>(all.nestedCalls),
-      static_cast<unsigned long long>(all.controlsMade), static_cast<unsigned long long>(all.inits),
-      static_cast<unsigned long long>(all.initsTrue), static_cast<unsigned long long>(all.frames),
-      static_cast<unsigned long long>(all.movesDone),
-      static_cast<unsigned long long>(all.deviceErrors),
-      static_cast<unsigned long long>(all.messageBoxes), all.findings.size());
+      first, first + seeds - 1, all.operations, all.nestedCalls, all.controlsMade, all.inits,
+      all.initsTrue, all.frames, all.movesDone, all.deviceErrors, all.messageBoxes,
+      all.findings.size());
   for (const std::string& f : all.findings) ADD_FAILURE() << f;
 
   // A run that never started a control or drew a frame tested nothing.
-  EXPECT_EQ(all.operations, static_cast<uint64_t>(seeds * operations));
+  EXPECT_EQ(all.operations, static_cast<unsigned long long>(seeds * operations));
   if (seeds * operations >= 300) {
     EXPECT_GT(all.initsTrue, 0u);
     EXPECT_GT(all.frames, 0u);

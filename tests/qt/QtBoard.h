@@ -25,13 +25,8 @@ inline QPoint logicalCentre(const BoardWidget& widget, const Blob& b) {
 }
 // Where the widget shows a field's marker.
 inline Blob fieldBlob(BoardWidget& widget, int field) {
-  ctlBoard& board = widget.board();
-  board.setHLfields("");
-  const Image without = widgetFrame(widget);
-  board.setHLfields(std::to_string(field));
-  const Image with = widgetFrame(widget);
-  board.setHLfields("");
-  return changed(without, with);
+  return markerShown(
+      widget.board(), [&] { return widgetFrame(widget); }, field);
 }
 // A press at a logical pixel, then moves towards another and the release there, each move past
 // the control's 15 ms gate.
@@ -63,26 +58,8 @@ struct QtBoard {
   QPoint at(const Blob& b) const { return logicalCentre(*widget, b); }
   Blob fieldBlob(int field) { return testing::fieldBlob(*widget, field); }
   Blob pieceBlob(int field) {
-    const auto slot = static_cast<int16_t>(field - 1);
-    const int16_t saved = board().field(slot);
-    board().field(slot, 0);
-    board().drawBoard();
-    const Image without = frame();
-    board().field(slot, 2);
-    board().drawBoard();
-    const Image with = frame();
-    board().field(slot, saved);
-    board().drawBoard();
-    return changed(without, with);
-  }
-  // The start of a game with the first moves of white on offer.
-  void openingPosition() {
-    for (int16_t slot = 0; slot < 50; ++slot)
-      board().field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
-    board().clearMoveList();
-    for (const char* m : {"31-27", "31-26", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"})
-      board().addMoveList(m);
-    board().drawBoard();
+    return manShown(
+        board(), [this] { return frame(); }, field);
   }
   void drag(QPoint from, QPoint to) { testing::drag(*widget, from, to); }
 

@@ -36,7 +36,7 @@ TEST(QtBoardWidget, PicksEveryFieldAndTheDropWhereItWasReleased) {
     QTest::mouseRelease(b.widget, Qt::LeftButton, Qt::NoModifier, b.at(marker));
   }
 
-  b.openingPosition();
+  openingPosition(b.board());
   const Blob source = b.pieceBlob(32), target = b.pieceBlob(28);
   b.events->take();
   b.drag(b.at(source), b.at(target));
@@ -49,7 +49,7 @@ TEST(QtBoardWidget, PicksEveryFieldAndTheDropWhereItWasReleased) {
 TEST(QtBoardWidget, ShowsTheStatusFrameAndTakesKeysAndOddSizes) {
   QtBoard b;
   ASSERT_TRUE(b.started);
-  b.openingPosition();
+  openingPosition(b.board());
   const Image plain = b.frame();
   b.board().showProgressBar("Thinking", true, 50);
   const Image framed = b.widget->platform().surface().windowImage();
@@ -100,7 +100,7 @@ TEST(QtBoardWidget, DestroyedDuringADragAMoveAndTheFallingPieces) {
   {  // In the middle of a drag.
     QtBoard b;
     ASSERT_TRUE(b.started);
-    b.openingPosition();
+    openingPosition(b.board());
     const Blob source = b.pieceBlob(32);
     QTest::mousePress(b.widget, Qt::LeftButton, Qt::NoModifier, b.at(source));
     QTest::qWait(20);
@@ -113,7 +113,7 @@ TEST(QtBoardWidget, DestroyedDuringADragAMoveAndTheFallingPieces) {
      // closed then; the widget goes once the move has returned.
     QtBoard b;
     ASSERT_TRUE(b.started);
-    b.openingPosition();
+    openingPosition(b.board());
     b.widget->setAttribute(Qt::WA_DeleteOnClose);
     int frames = 0;
     b.events->onAfterDraw = [&] {
@@ -128,7 +128,7 @@ TEST(QtBoardWidget, DestroyedDuringADragAMoveAndTheFallingPieces) {
   {  // Between two steps of the falling pieces.
     QtBoard b;
     ASSERT_TRUE(b.started);
-    b.openingPosition();
+    openingPosition(b.board());
     b.board().initAnimation();
     for (double t = 0.2; t < 1.0; t += 0.2) b.board().animation(t);
     delete b.widget.data();

@@ -6,8 +6,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include <cmath>
-
+#include "consumer-sdl/SdlInput.h"
 #include "ostrel/ctlBoard.h"
 #include "ostrel/sdl/SdlPlatform.h"
 
@@ -23,25 +22,7 @@ class SdlVideo : public ::testing::Test {
   static inline bool videoReady_ = false;
 };
 
-inline SDL_Event sdlButton(uint32_t type, uint32_t window, double x, double y, uint8_t button) {
-  SDL_Event e{};
-  e.type = type;
-  e.button.windowID = window;
-  e.button.button = button;
-  e.button.state = type == SDL_MOUSEBUTTONDOWN ? SDL_PRESSED : SDL_RELEASED;
-  e.button.x = static_cast<int32_t>(std::lround(x));
-  e.button.y = static_cast<int32_t>(std::lround(y));
-  return e;
-}
-
-inline SDL_Event sdlMotion(uint32_t window, double x, double y, uint32_t held) {
-  SDL_Event e{};
-  e.type = SDL_MOUSEMOTION;
-  e.motion.windowID = window;
-  e.motion.state = held;
-  e.motion.x = static_cast<int32_t>(std::lround(x));
-  e.motion.y = static_cast<int32_t>(std::lround(y));
-  return e;
-}
+using consumer::sdlButton;
+using consumer::sdlMotion;
 
 }  // namespace ostrel::testing

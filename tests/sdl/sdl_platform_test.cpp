@@ -10,6 +10,7 @@
 #include "ostrel/sdl/SdlEvents.h"
 #include "ostrel/sdl/SdlPlatform.h"
 #include "sdl/SdlTestWindow.h"
+#include "support/LiveBoard.h"
 
 namespace {
 
@@ -20,11 +21,6 @@ double meanDifference(const ostrel::Image& a, const ostrel::Image& b) {
   double sum = 0;
   for (size_t i = 0; i < a.rgba.size(); ++i) sum += std::abs(a.rgba[i] - b.rgba[i]);
   return a.rgba.empty() ? 0 : sum / static_cast<double>(a.rgba.size());
-}
-
-void startPosition(ostrel::ctlBoard& board) {
-  for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
-  board.drawBoard();
 }
 
 // The headless platform's pictures of the same control: before init, the start position, and the
@@ -41,7 +37,7 @@ Reference referencePictures() {
   ostrel::ctlBoard board(offscreen);
   Reference pictures;
   pictures.before = offscreen.windowImage();
-  startPosition(board);
+  ostrel::testing::openingPosition(board);
   if (board.init(false, 0, 1) != std::optional<bool>(true)) return pictures;
   board.render();
   pictures.shown = offscreen.windowImage();
@@ -68,7 +64,7 @@ TEST_F(SdlWindow, ShowsWhatTheHeadlessPlatformShowsWithTheStatusFrameAndFollowsI
   ASSERT_EQ(before.height, 150);
   EXPECT_EQ(meanDifference(before, reference.before), 0);
 
-  startPosition(board);
+  ostrel::testing::openingPosition(board);
   ASSERT_EQ(board.init(false, 0, 1), std::optional<bool>(true));
   board.render();
   const ostrel::Image shown = window.windowImage();

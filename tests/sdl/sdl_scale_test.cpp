@@ -17,18 +17,6 @@ constexpr int kSide = 200;  // device pixels
 
 class SdlScale : public SdlVideo, public ::testing::WithParamInterface<float> {};
 
-// Where the window shows something that `change` adds to the board, in device pixels.
-template <class Change, class Undo>
-Blob shownBy(SdlPlatform& window, ctlBoard& board, Change change, Undo undo) {
-  board.render();
-  const Image without = window.windowImage();
-  change();
-  board.render();
-  const Image with = window.windowImage();
-  undo();
-  return changed(without, with);
-}
-
 TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasReleased) {
   ASSERT_TRUE(videoReady_) << SDL_GetError();
   const float scale = GetParam();
@@ -54,10 +42,12 @@ TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasRel
   const double toWindow = static_cast<double>(ww) / kSide;
   const uint32_t id = window.windowId();
   board.viewingDistance(20);
+  const auto frame = [&] {
+    board.render();
+    return window.windowImage();
+  };
   for (int16_t f = 1; f <= 50; ++f) {
-    const Blob marker = shownBy(
-        window, board, [&] { board.setHLfields(std::to_string(f)); },
-        [&] { board.setHLfields(""); });
+    const Blob marker = markerShown(board, frame, f);
     ASSERT_GT(marker.count, 0) << f;
     const double x = marker.x * toWindow, y = marker.y * toWindow;
     EXPECT_TRUE(driver.handle(sdlButton(SDL_MOUSEBUTTONDOWN, id, x, y, SDL_BUTTON_LEFT)));
@@ -66,12 +56,7 @@ TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasRel
   }
 
   // A drag from 32 to 28, pressed and released where the pieces are drawn.
-  auto piece = [&](int16_t f) {
-    return shownBy(
-        window, board, [&] { board.field(f - 1, 2), board.drawBoard(); },
-        [&] { board.field(f - 1, 0), board.drawBoard(); });
-  };
-  const Blob source = piece(32), target = piece(28);
+  const Blob source = manShown(board, frame, 32), target = manShown(board, frame, 28);
   board.field(31, 2);
   board.clearMoveList();
   board.addMoveList("32-28");

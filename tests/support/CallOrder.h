@@ -11,15 +11,15 @@
 namespace ostrel::testing {
 
 struct CallOrderFigures {
-  uint64_t operations = 0;    // top-level operations
-  uint64_t nestedCalls = 0;   // operations run from inside an event handler
-  uint64_t controlsMade = 0;  // controls made (each with or on a platform)
-  uint64_t inits = 0;         // init calls, and of those the ones that answered true
-  uint64_t initsTrue = 0;
-  uint64_t frames = 0;        // afterDraw events
-  uint64_t movesDone = 0;     // accepted drops
-  uint64_t deviceErrors = 0;  // DeviceError caught from a drawing entry
-  uint64_t messageBoxes = 0;  // message boxes shown
+  unsigned long long operations = 0;    // top-level operations
+  unsigned long long nestedCalls = 0;   // operations run from inside an event handler
+  unsigned long long controlsMade = 0;  // controls made (each with or on a platform)
+  unsigned long long inits = 0;         // init calls, and of those the ones that answered true
+  unsigned long long initsTrue = 0;
+  unsigned long long frames = 0;        // afterDraw events
+  unsigned long long movesDone = 0;     // accepted drops
+  unsigned long long deviceErrors = 0;  // DeviceError caught from a drawing entry
+  unsigned long long messageBoxes = 0;  // message boxes shown
   std::vector<std::string> findings;
 
   void add(const CallOrderFigures& other);

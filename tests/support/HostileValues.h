@@ -2,6 +2,7 @@
 // Random values for the call-order run, many of them hostile: numbers that are no number or
 // infinite, fields beyond the board, moves and lists that are no moves, images that do not exist.
 
+#include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -23,24 +24,9 @@ class HostileValues {
     return values[static_cast<size_t>(pick(static_cast<int>(N)))];
   }
   float anyFloat() {
-    constexpr float inf = std::numeric_limits<float>::infinity();
-    static const float values[] = {0,
-                                   -0.0f,
-                                   1,
-                                   -1,
-                                   0.05f,
-                                   0.1f,
-                                   15,
-                                   800,
-                                   900,
-                                   1e-30f,
-                                   1e30f,
-                                   inf,
-                                   -inf,
-                                   NAN,
-                                   3.1416f,
-                                   std::numeric_limits<float>::max(),
-                                   std::numeric_limits<float>::denorm_min()};
+    static const float values[] = {0,         -0.0f, 1,       -1,      0.05f,       0.1f,
+                                   15,        800,   900,     1e-30f,  1e30f,       INFINITY,
+                                   -INFINITY, NAN,   3.1416f, FLT_MAX, FLT_TRUE_MIN};
     if (chance(0.5)) return std::uniform_real_distribution<float>(-20000, 20000)(random_);
     return among(values);
   }
@@ -56,13 +42,8 @@ class HostileValues {
     return among(values);
   }
   int32_t anyInt32() {
-    static const int32_t values[] = {0,
-                                     -1,
-                                     0x404040,
-                                     0xFFFFFF,
-                                     0x1000000,
-                                     std::numeric_limits<int32_t>::max(),
-                                     std::numeric_limits<int32_t>::min()};
+    using I = std::numeric_limits<int32_t>;
+    static const int32_t values[] = {0, -1, 0x404040, 0xFFFFFF, 0x1000000, I::max(), I::min()};
     if (chance(0.5)) return static_cast<int32_t>(random_());
     return among(values);
   }

@@ -51,29 +51,37 @@ void LiveBoard::setPosition(const std::vector<std::pair<int, int>>& pieces,
   board.drawBoard();
 }
 
-Blob LiveBoard::fieldBlob(int field) {
-  const auto saved = state().models.markerMesh;
+Blob markerShown(ctlBoard& board, const std::function<Image()>& frame, int field) {
+  auto& markers = controlState(board).models.markerMesh;
+  const auto saved = markers;
   board.setHLfields("");
   const Image without = frame();
   board.setHLfields(std::to_string(field));
   const Image with = frame();
-  state().models.markerMesh = saved;
+  markers = saved;
   return changed(without, with);
 }
 
-Blob LiveBoard::pieceBlob(int field) {
-  ControlState& s = state();
-  const auto saved = s.fieldCode;
-  const auto slot = static_cast<size_t>(field - 1);
-  s.fieldCode[slot] = 0;
+Blob manShown(ctlBoard& board, const std::function<Image()>& frame, int field) {
+  const auto slot = static_cast<int16_t>(field - 1);
+  const int16_t saved = board.field(slot);
+  board.field(slot, 0);
   board.drawBoard();
   const Image without = frame();
-  s.fieldCode[slot] = 2;
+  board.field(slot, 2);
   board.drawBoard();
   const Image with = frame();
-  s.fieldCode = saved;
+  board.field(slot, saved);
   board.drawBoard();
   return changed(without, with);
+}
+
+void openingPosition(ctlBoard& board) {
+  for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
+  board.clearMoveList();
+  for (const char* m : {"31-27", "31-26", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"})
+    board.addMoveList(m);
+  board.drawBoard();
 }
 
 }  // namespace ostrel::testing

@@ -2,6 +2,7 @@
 // A control started on the real offscreen device with the shipped assets, a manual clock and a
 // recorder of its events; and what the rendered picture shows of a field or a piece.
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,6 +22,14 @@ struct Blob {
 };
 Blob changed(const Image& before, const Image& after);
 
+// Where a control's pictures (`frame` draws one) show a field's marker or a white man on a field,
+// each put there for the purpose and taken away again.
+Blob markerShown(ctlBoard& board, const std::function<Image()>& frame, int field);
+Blob manShown(ctlBoard& board, const std::function<Image()>& frame, int field);
+
+// The start of a game with the first moves of white on offer, drawn.
+void openingPosition(ctlBoard& board);
+
 struct LiveBoard {
   explicit LiveBoard(int width = 480, int height = 480, int32_t qShadow = 0);
 
@@ -37,8 +46,14 @@ struct LiveBoard {
   void setPosition(const std::vector<std::pair<int, int>>& pieces,
                    const std::vector<std::string>& moves = {});
   // Where the view draws a field's marker, or a white man on a field.
-  Blob fieldBlob(int field);
-  Blob pieceBlob(int field);
+  Blob fieldBlob(int field) {
+    return markerShown(
+        board, [this] { return frame(); }, field);
+  }
+  Blob pieceBlob(int field) {
+    return manShown(
+        board, [this] { return frame(); }, field);
+  }
   // Mouse events at a pixel, each after the time gate has opened.
   void down(int16_t button, double x, double y) { mouse(&ctlBoard::pic_MouseDown, button, x, y); }
   void move(int16_t buttons, double x, double y) { mouse(&ctlBoard::pic_MouseMove, buttons, x, y); }

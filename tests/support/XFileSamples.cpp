@@ -24,6 +24,14 @@ std::string real(double v) {
   return s;
 }
 
+// Numbers separated by commas.
+template <typename Numbers>
+std::string joined(const Numbers& values) {
+  std::string out;
+  for (double v : values) out += (out.empty() ? "" : ",") + real(v);
+  return out;
+}
+
 std::array<double, 16> translation(double x, double y, double z) {
   return {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1};
 }
@@ -140,52 +148,36 @@ void XWriter::list(const Faces& faces) {
   }
 }
 
-// Vectors in a list: "x;y;z;," between them and ";;" after the last; binary: one float list.
+// Vectors in a list after their count: "x;y;z;," between them and ";;" after the last; binary:
+// one float list.
+template <size_t N>
+void XWriter::vectors(const std::vector<std::array<double, N>>& items) {
+  ints({static_cast<uint32_t>(items.size())});
+  std::vector<double> all;
+  for (const auto& item : items) all.insert(all.end(), item.begin(), item.end());
+  if (binary()) return reals(all);
+  for (size_t k = 0; k < items.size(); ++k) {
+    for (double v : items[k]) body_ += real(v) + ";";
+    body_ += k + 1 < items.size() ? ",\n" : ";\n";
+  }
+}
+
 void XWriter::mesh(const std::string& name, const Positions& positions, const Faces& faces) {
   open("Mesh", name);
-  ints({static_cast<uint32_t>(positions.size())});
-  if (binary()) {
-    std::vector<double> all;
-    for (const auto& p : positions) all.insert(all.end(), p.begin(), p.end());
-    reals(all);
-  } else {
-    for (size_t k = 0; k < positions.size(); ++k) {
-      for (double v : positions[k]) body_ += real(v) + ";";
-      body_ += k + 1 < positions.size() ? ",\n" : ";\n";
-    }
-  }
+  vectors(positions);
   list(faces);
 }
 
 void XWriter::normals(const Positions& normals, const Faces& faces) {
   open("MeshNormals");
-  ints({static_cast<uint32_t>(normals.size())});
-  if (binary()) {
-    std::vector<double> all;
-    for (const auto& n : normals) all.insert(all.end(), n.begin(), n.end());
-    reals(all);
-  } else {
-    for (size_t k = 0; k < normals.size(); ++k) {
-      for (double v : normals[k]) body_ += real(v) + ";";
-      body_ += k + 1 < normals.size() ? ",\n" : ";\n";
-    }
-  }
+  vectors(normals);
   list(faces);
   close();
 }
 
 void XWriter::textureCoords(const std::vector<std::array<double, 2>>& uvs) {
   open("MeshTextureCoords");
-  ints({static_cast<uint32_t>(uvs.size())});
-  if (binary()) {
-    std::vector<double> all;
-    for (const auto& uv : uvs) all.insert(all.end(), uv.begin(), uv.end());
-    reals(all);
-  } else {
-    for (size_t k = 0; k < uvs.size(); ++k) {
-      body_ += real(uvs[k][0]) + ";" + real(uvs[k][1]) + ";" + (k + 1 < uvs.size() ? ",\n" : ";\n");
-    }
-  }
+  vectors(uvs);
   close();
 }
 
@@ -245,31 +237,28 @@ void XWriter::transform(const std::array<double, 16>& m) {
   if (binary()) {
     reals(std::vector<double>(m.begin(), m.end()));
   } else {
-    for (size_t k = 0; k < 16; ++k) body_ += real(m[k]) + (k < 15 ? "," : ";;\n");
+    body_ += joined(m) + ";;\n";
   }
   close();
 }
 
+// The bone's vertices and weights, and its offset matrix (the identity).
 void XWriter::skinWeights(const std::string& bone, const std::vector<uint32_t>& vertices,
                           const std::vector<double>& weights) {
   open("SkinWeights");
   string(bone);
-  std::vector<uint32_t> head = {static_cast<uint32_t>(vertices.size())};
+  const auto identity = translation(0, 0, 0);
   if (binary()) {
+    std::vector<uint32_t> head = {static_cast<uint32_t>(vertices.size())};
     head.insert(head.end(), vertices.begin(), vertices.end());
     ints(head);
     std::vector<double> all = weights;
-    const auto identity = translation(0, 0, 0);
     all.insert(all.end(), identity.begin(), identity.end());
     reals(all);
   } else {
-    ints(head);
+    ints({static_cast<uint32_t>(vertices.size())});
     ints(vertices);
-    for (size_t k = 0; k < weights.size(); ++k) {
-      body_ += real(weights[k]) + (k + 1 < weights.size() ? "," : ";\n");
-    }
-    const auto identity = translation(0, 0, 0);
-    for (size_t k = 0; k < 16; ++k) body_ += real(identity[k]) + (k < 15 ? "," : ";;\n");
+    body_ += joined(weights) + ";\n" + joined(identity) + ";;\n";
   }
   close();
 }

@@ -46,6 +46,8 @@ class XWriter {
   void word(uint16_t w);
   void dword(uint32_t d);
   void list(const std::vector<std::vector<uint32_t>>& faces);
+  template <size_t N>
+  void vectors(const std::vector<std::array<double, N>>& items);
 
   XForm form_;
   std::string body_;

@@ -5,11 +5,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 class RenderProgram : public ::testing::Test {
  protected:
@@ -34,5 +36,13 @@ class RenderProgram : public ::testing::Test {
     return ss.str();
   }
   std::string path(const std::string& name) const { return (dir_ / name).string(); }
+  // The names in the folder or one below it, sorted.
+  std::vector<std::string> names(const std::string& folder = "") const {
+    std::vector<std::string> n;
+    for (const auto& e : std::filesystem::directory_iterator(dir_ / folder))
+      n.push_back(e.path().filename().string());
+    std::sort(n.begin(), n.end());
+    return n;
+  }
   std::filesystem::path dir_;
 };

@@ -6,6 +6,8 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+#include <stb_image.h>
+
 #include <cstdlib>
 
 namespace render::testing {
@@ -86,6 +88,16 @@ double meanDifference(const ostrel::Image& a, const ostrel::Image& b) {
     for (size_t c = 0; c < 3; ++c) sum += std::abs(int(a.rgba[i + c]) - int(b.rgba[i + c]));
   }
   return static_cast<double>(sum) / (static_cast<double>(a.rgba.size()) / 4 * 3);
+}
+
+ostrel::Image readPng(const std::string& path, int* channels) {
+  int w = 0, h = 0, n = 0;
+  stbi_uc* pixels = stbi_load(path.c_str(), &w, &h, &n, 4);
+  if (channels) *channels = n;
+  if (!pixels) return {};
+  ostrel::Image image{w, h, std::vector<uint8_t>(pixels, pixels + size_t(w) * h * 4)};
+  stbi_image_free(pixels);
+  return image;
 }
 
 }  // namespace render::testing

@@ -2,7 +2,6 @@
 // a picture per ply, and every kind of bad input.
 
 #include <gtest/gtest.h>
-#include <stb_image.h>
 
 #include <algorithm>
 #include <fstream>
@@ -14,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using render::testing::meanDifference;
+using render::testing::readPng;
 using render::testing::readVideo;
 
 // The first game has four plies with two captures, the second five; the third stops at a move that
@@ -48,30 +48,12 @@ class GameProgram : public RenderProgram {
     std::ofstream(dir_ / "empty.pdn") << "";
   }
   std::string games() const { return path("games.pdn"); }
-
-  static ostrel::Image load(const std::string& file) {
-    int w = 0, h = 0, n = 0;
-    stbi_uc* pixels = stbi_load(file.c_str(), &w, &h, &n, 4);
-    ostrel::Image image;
-    if (!pixels) return image;
-    image = {w, h, std::vector<uint8_t>(pixels, pixels + size_t(w) * h * 4)};
-    stbi_image_free(pixels);
-    return image;
-  }
-  std::vector<std::string> files(const std::string& folder = "") const {
-    std::vector<std::string> n;
-    for (const auto& e : fs::directory_iterator(dir_ / folder)) {
-      n.push_back(e.path().filename().string());
-    }
-    std::sort(n.begin(), n.end());
-    return n;
-  }
 };
 
 TEST_F(GameProgram, FilmsReadBackWithTheirSizeLengthAndLastPicture) {
   ASSERT_EQ(run("--pdn " + games() + " --size 96 --aa 0 --out " + path("final.png")), 0)
       << read("err.txt");
-  const ostrel::Image final = load(path("final.png"));
+  const ostrel::Image final = readPng(path("final.png"));
   ASSERT_EQ(final.width, 96);
   struct Case {
     const char* file;
@@ -97,7 +79,7 @@ TEST_F(GameProgram, FilmsReadBackWithTheirSizeLengthAndLastPicture) {
     // The film starts at the start: the first frame is not the end of the game.
     EXPECT_GT(meanDifference(film.first, final), difference);
   }
-  EXPECT_EQ(files(), (std::vector<std::string>{"checkers.pdn", "empty.pdn", "err.txt", "film.gif",
+  EXPECT_EQ(names(), (std::vector<std::string>{"checkers.pdn", "empty.pdn", "err.txt", "film.gif",
                                                "film.mp4", "film.webm", "final.png", "games.pdn",
                                                "out.txt"}))
       << "no temporary file left";
@@ -106,19 +88,19 @@ TEST_F(GameProgram, FilmsReadBackWithTheirSizeLengthAndLastPicture) {
 TEST_F(GameProgram, APicturePerPlyAndOnePly) {
   ASSERT_EQ(run("--pdn " + games() + " --game 2 --size 64 --aa 0 --all-plies " + path("plies")), 0)
       << read("err.txt");
-  EXPECT_EQ(files("plies"),
+  EXPECT_EQ(names("plies"),
             (std::vector<std::string>{"ply-000.png", "ply-001.png", "ply-002.png", "ply-003.png",
                                       "ply-004.png", "ply-005.png"}));
   ASSERT_EQ(
       run("--pdn " + games() + " --game 2 --ply 3 --size 64 --aa 0 --out " + path("three.png")), 0)
       << read("err.txt");
   EXPECT_NE(read("out.txt").find("after ply 3"), std::string::npos) << read("out.txt");
-  const ostrel::Image three = load(path("three.png"));
+  const ostrel::Image three = readPng(path("three.png"));
   ASSERT_EQ(three.width, 64);
-  EXPECT_EQ(load(path("plies/ply-003.png")).rgba, three.rgba);
-  EXPECT_NE(load(path("plies/ply-002.png")).rgba, three.rgba);
-  EXPECT_NE(load(path("plies/ply-004.png")).rgba, three.rgba);
-  EXPECT_NE(load(path("plies/ply-000.png")).rgba, load(path("plies/ply-001.png")).rgba);
+  EXPECT_EQ(readPng(path("plies/ply-003.png")).rgba, three.rgba);
+  EXPECT_NE(readPng(path("plies/ply-002.png")).rgba, three.rgba);
+  EXPECT_NE(readPng(path("plies/ply-004.png")).rgba, three.rgba);
+  EXPECT_NE(readPng(path("plies/ply-000.png")).rgba, readPng(path("plies/ply-001.png")).rgba);
 }
 
 TEST_F(GameProgram, AFaultyMoveEndsTheGameThereAndSaysWhere) {
@@ -131,7 +113,7 @@ TEST_F(GameProgram, AFaultyMoveEndsTheGameThereAndSaysWhere) {
   EXPECT_EQ(film.frames, 5 + 2 * (4 + 1 + 5));
 
   EXPECT_EQ(run("--pdn " + games() + " --game 3 --size 48 --aa 0 --all-plies " + path("p")), 1);
-  EXPECT_EQ(files("p"), (std::vector<std::string>{"ply-000.png", "ply-001.png", "ply-002.png"}));
+  EXPECT_EQ(names("p"), (std::vector<std::string>{"ply-000.png", "ply-001.png", "ply-002.png"}));
   // Asking for no more than the good plies is no fault.
   EXPECT_EQ(run("--pdn " + games() + " --game 3 --ply 2 --size 48 --aa 0 --out " + path("2.png")),
             0)
@@ -171,7 +153,8 @@ TEST_F(GameProgram, BadInputIsNamedAndLeavesNoFile) {
       {"--pdn " + path("missing.pdn") + " --out " + path("x.png"), 1, "cannot read", path("x.png")},
       {"--pdn " + path("empty.pdn") + " --out " + path("x.png"), 1, "holds no game", path("x.png")},
       {"--pdn " + games() + " --size 48 --all-plies " + path("a-file"), 1, "cannot write", ""},
-      {"--pdn " + games() + " W:W31 --out " + path("x.png"), 2, "no FEN position", path("x.png")},
+      {"--pdn " + games() + " W:W31:B1 --out " + path("x.png"), 2, "no FEN position",
+       path("x.png")},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args);
@@ -181,7 +164,7 @@ TEST_F(GameProgram, BadInputIsNamedAndLeavesNoFile) {
       EXPECT_FALSE(fs::exists(c.absent));
     }
   }
-  EXPECT_EQ(files(), (std::vector<std::string>{"a-file", "checkers.pdn", "empty.pdn", "err.txt",
+  EXPECT_EQ(names(), (std::vector<std::string>{"a-file", "checkers.pdn", "empty.pdn", "err.txt",
                                                "games.pdn", "out.txt"}))
       << "no temporary file left";
 }

@@ -2,7 +2,6 @@
 // the progress line, the game options and the choice of a film's format.
 
 #include <gtest/gtest.h>
-#include <stb_image.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include "GifPalette.h"
 #include "PngWriter.h"
 #include "Progress.h"
+#include "RenderProgram.h"
 #include "VideoReadback.h"
 #include "VideoWriter.h"
 
@@ -20,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using render::testing::meanDifference;
+using render::testing::readPng;
 
 ostrel::Image picture(int width, int height, uint32_t (*colour)(int x, int y)) {
   ostrel::Image image;
@@ -39,36 +40,16 @@ uint32_t gradient(int x, int y) {
   return uint32_t(x * 2) << 16 | uint32_t(y * 2) << 8 | uint32_t((x + y) & 0xFF);
 }
 
-class Folder : public ::testing::Test {
- protected:
-  void SetUp() override {
-    dir_ = fs::temp_directory_path() / ("ostrel-render-units-" + std::to_string(::getpid()));
-    fs::create_directories(dir_);
-  }
-  void TearDown() override { fs::remove_all(dir_); }
-  std::vector<std::string> names() const {
-    std::vector<std::string> n;
-    for (const auto& e : fs::directory_iterator(dir_)) n.push_back(e.path().filename().string());
-    std::sort(n.begin(), n.end());
-    return n;
-  }
-  fs::path dir_;
-};
-
-using PngWriter = Folder;
+using PngWriter = RenderProgram;
 
 TEST_F(PngWriter, WritesRgbThatReadsBackAsGiven) {
   const ostrel::Image image = picture(61, 17, gradient);
   const std::string path = (dir_ / "a.png").string();
   std::string error;
   ASSERT_TRUE(render::writePng(path, image, error)) << error;
-  int w = 0, h = 0, channels = 0;
-  stbi_uc* pixels = stbi_load(path.c_str(), &w, &h, &channels, 4);
-  ASSERT_NE(pixels, nullptr);
+  int channels = 0;
+  EXPECT_EQ(readPng(path, &channels).rgba, image.rgba);
   EXPECT_EQ(channels, 3) << "no alpha channel";
-  ostrel::Image back{w, h, std::vector<uint8_t>(pixels, pixels + size_t(w) * h * 4)};
-  stbi_image_free(pixels);
-  EXPECT_EQ(back.rgba, image.rgba);
   EXPECT_EQ(names(), std::vector<std::string>{"a.png"}) << "nothing else left behind";
 }
 
@@ -213,7 +194,7 @@ TEST(GameArguments, AGameExcludesASinglePositionsOptions) {
   EXPECT_TRUE(render::checkGameOptions(move, render::GameOptions{}, error)) << "no game";
 }
 
-using VideoWriterFiles = Folder;
+using VideoWriterFiles = RenderProgram;
 
 TEST_F(VideoWriterFiles, OddSizesWrongFramesAndUnwritablePathsAreRefused) {
   std::string error;
