@@ -11,7 +11,7 @@ add_library(ostrel_deps INTERFACE)
 target_include_directories(ostrel_deps SYSTEM INTERFACE ${PROJECT_SOURCE_DIR}/web/gl
   ${OSTREL_WEB_PREFIX}/include /usr/include/stb)
 target_link_libraries(ostrel_deps INTERFACE ${OSTREL_WEB_PREFIX}/lib/libassimp.a
-  ${OSTREL_WEB_PREFIX}/lib/libminizip.a ${OSTREL_WEB_PREFIX}/lib/libz.a)
+  ${OSTREL_WEB_PREFIX}/lib/libz.a)
 # The device reports failures as C++ exceptions: catching them must work in WebAssembly too.
 target_compile_options(ostrel_deps INTERFACE -fexceptions)
 target_link_options(ostrel_deps INTERFACE -fexceptions -sMIN_WEBGL_VERSION=2 -sMAX_WEBGL_VERSION=2)

@@ -9,7 +9,11 @@ packages=(
   qt6-base-dev libqt6opengl6-dev xvfb xauth
   libgtest-dev libbenchmark-dev clang-14 libclang-rt-14-dev
   libpng-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
+  # The web page (scripts/web.sh): the WebAssembly compiler, a browser, Assimp's and zlib's sources.
+  emscripten node-acorn nodejs chromium libutfcpp-dev dpkg-dev
 )
+# Debian's nodejs comes without npm, which fetches playwright-core for the browser tests.
+command -v npm >/dev/null || packages+=(npm)
 
 missing=()
 for p in "${packages[@]}"; do

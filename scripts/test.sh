@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The whole test suite: set-up, format check, build and tests, the installed package seen by a
-# consumer project, the sanitizer build, and a bounded fuzzing run.
+# consumer project, the sanitizer build, the web page in a browser, and a bounded fuzzing run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -65,6 +65,10 @@ cmake -S . -B build-asan -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOSTREL_SANITIZE=ON 
   -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=ON
 cmake --build build-asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 ctest --test-dir build-asan --output-on-failure -j "$jobs"
+
+# The board in a web page: the WebAssembly module and its browser tests in headless chromium.
+echo "== web page"
+bash scripts/web.sh
 
 echo "== fuzzing"
 CC=clang-14 CXX=clang++-14 cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The board in a web page: installs the WebAssembly toolchain and a browser, builds Assimp's .x
-# importer and zlib for WebAssembly from Debian's sources (once; kept in build-web/deps), builds
-# the module and runs the browser tests.
+# importer and zlib for WebAssembly from Debian's sources (web/deps; once, kept in
+# build-web/deps), builds the module and runs the browser tests.
 #
 #   scripts/web.sh            set up, build and test
 #   scripts/web.sh serve      set up, build, and serve the page on http://localhost:8080/
@@ -21,77 +21,59 @@ sudo_cmd=()
 if [ "$(id -u)" -ne 0 ]; then sudo_cmd=(sudo); fi
 
 step "packages"
-packages=(emscripten node-acorn nodejs chromium libutfcpp-dev libstb-dev dpkg-dev)
-missing=()
-for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-  "${sudo_cmd[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
-command -v npm >/dev/null || { echo "web.sh: npm is needed for playwright-core" >&2; exit 1; }
+bash "$root/scripts/setup.sh"
 
-mkdir -p "$deps"
-if [ ! -f "$prefix/lib/libassimp.a" ]; then
+# The libraries built for WebAssembly are kept until their recipe changes.
+recipe=$(sha1sum "$root/web/deps/CMakeLists.txt" | cut -c1-12)
+if [ "$(cat "$prefix/recipe" 2>/dev/null)" != "$recipe" ]; then
   step "sources"
   # Source packages come from the same archive as the binary ones.
   if ! apt-get source --print-uris -qq zlib >/dev/null 2>&1; then
     list=/etc/apt/sources.list.d/ostrel-web-src.sources
-    sed -e 's/^Types: deb$/Types: deb-src/' /etc/apt/sources.list.d/debian.sources |
-      "${sudo_cmd[@]}" tee "$list" >/dev/null
+    if [ -f /etc/apt/sources.list.d/debian.sources ]; then
+      sed -e 's/^Types: deb$/Types: deb-src/' /etc/apt/sources.list.d/debian.sources |
+        "${sudo_cmd[@]}" tee "$list" >/dev/null
+    else
+      list=/etc/apt/sources.list.d/ostrel-web-src.list
+      sed -n 's/^deb /deb-src /p' /etc/apt/sources.list | "${sudo_cmd[@]}" tee "$list" >/dev/null
+    fi
     "${sudo_cmd[@]}" apt-get update -qq
   fi
-  rm -rf "$deps/src" && mkdir -p "$deps/src"
-  (cd "$deps/src" && apt-get source -qq assimp zlib >/dev/null)
+  rm -rf "$deps" && mkdir -p "$deps/src"
+  (cd "$deps/src" && apt-get source -qq assimp zlib >/dev/null 2>&1)
   zsrc=$(ls -d "$deps"/src/zlib-*/)
   asrc=$(ls -d "$deps"/src/assimp-*/)
 
-  step "zlib and minizip for WebAssembly"
-  mkdir -p "$deps/zlib" "$prefix/include/minizip" "$prefix/lib"
-  cp "$zsrc/zconf.h.in" "$deps/zlib/zconf.h"
-  for f in adler32 crc32 deflate inffast inflate inftrees trees zutil compress uncompr; do
-    emcc -O2 -I"$deps/zlib" -c "$zsrc/$f.c" -o "$deps/zlib/$f.o"
-  done
-  for f in ioapi unzip; do
-    emcc -O2 -I"$deps/zlib" -I"$zsrc" -DIOAPI_NO_64 -c "$zsrc/contrib/minizip/$f.c" -o "$deps/zlib/mz_$f.o"
-  done
-  emar rcs "$prefix/lib/libz.a" "$deps"/zlib/[!m]*.o
-  emar rcs "$prefix/lib/libminizip.a" "$deps"/zlib/mz_*.o
-  cp "$zsrc/zlib.h" "$deps/zlib/zconf.h" "$prefix/include/"
-  cp "$zsrc"/contrib/minizip/{unzip.h,ioapi.h,crypt.h} "$prefix/include/minizip/"
-  mkdir -p "$prefix/lib/pkgconfig"
-  printf 'Name: minizip\nDescription: minizip\nVersion: 1\nLibs: -L%s/lib -lminizip -lz\nCflags: -I%s/include/minizip\n' \
-    "$prefix" "$prefix" >"$prefix/lib/pkgconfig/minizip.pc"
-
-  step "Assimp (.x importer) for WebAssembly"
-  # Debian's patches link the system's Draco, which a WebAssembly build has no use for.
-  sed -i '/find_package(draco CONFIG REQUIRED)/d; /target_link_libraries(assimp ${DRACO_LIBRARIES})/d' \
-    "$asrc/code/CMakeLists.txt"
-  PKG_CONFIG_LIBDIR=$prefix/lib/pkgconfig PKG_CONFIG_PATH= emcmake cmake -S "$asrc" -B "$deps/assimp" \
-    -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX="$prefix" "${launcher[@]}" \
-    -DBUILD_SHARED_LIBS=OFF -DASSIMP_BUILD_ALL_IMPORTERS_BY_DEFAULT=OFF -DASSIMP_BUILD_X_IMPORTER=ON \
-    -DASSIMP_BUILD_ALL_EXPORTERS_BY_DEFAULT=OFF -DASSIMP_NO_EXPORT=ON -DASSIMP_BUILD_TESTS=OFF \
-    -DASSIMP_BUILD_ASSIMP_TOOLS=OFF -DASSIMP_BUILD_SAMPLES=OFF -DASSIMP_BUILD_ZLIB=OFF \
-    -DASSIMP_WARNINGS_AS_ERRORS=OFF -DASSIMP_IGNORE_GIT_HASH=ON \
-    -DZLIB_LIBRARY="$prefix/lib/libz.a" -DZLIB_INCLUDE_DIR="$prefix/include" \
-    "-DCMAKE_CXX_FLAGS=-I/usr/include/utf8cpp -I/usr/include/stb" >"$deps/assimp-configure.log"
-  cmake --build "$deps/assimp" -j2 --target assimp >"$deps/assimp-build.log"
-  cmake --install "$deps/assimp" --component libassimp-dev >/dev/null ||
-    cmake --install "$deps/assimp" >/dev/null
+  step "zlib and Assimp's .x importer for WebAssembly"
+  emcmake cmake -S "$root/web/deps" -B "$deps/build" -DCMAKE_BUILD_TYPE=Release "${launcher[@]}" \
+    -DZLIB_SOURCE="$zsrc" -DASSIMP_SOURCE="$asrc" -DCMAKE_INSTALL_PREFIX="$prefix" >"$deps/configure.log"
+  cmake --build "$deps/build" -j "$(nproc)" >"$deps/build.log" || { tail -n 30 "$deps/build.log"; exit 1; }
+  cmake --install "$deps/build" >/dev/null
+  echo "$recipe" >"$prefix/recipe"
 fi
 
 step "playwright-core"
-if [ ! -d "$out/node_modules/playwright-core" ]; then
-  (cd "$out" && npm install --no-save --no-audit --no-fund --silent playwright-core >/dev/null)
+# The last release that runs on Debian 12's Node.js 18.
+playwright=1.61.1
+if ! grep -qs "\"version\": \"$playwright\"" "$out/node_modules/playwright-core/package.json"; then
+  (cd "$out" && npm install --no-save --no-audit --no-fund --silent "playwright-core@$playwright" >/dev/null)
 fi
 
 step "module"
 emcmake cmake -S . -B "$out/module" -DCMAKE_BUILD_TYPE=Release "${launcher[@]}" \
   -DOSTREL_BUILD_TESTS=OFF -DOSTREL_BUILD_BENCH=OFF -DOSTREL_BUILD_HOSTS=OFF \
   -DOSTREL_WEB_PREFIX="$prefix" >"$out/configure.log"
-cmake --build "$out/module" -j2 --target ostrel_web
+cmake --build "$out/module" -j "$(nproc)" --target ostrel_web
 site=$out/module/web
+
+step "download size"
+total=0 packed=0
+for f in index.html ostrel-board.js ostrel.js ostrel.wasm ostrel.data; do
+  size=$(stat -c %s "$site/$f") gz=$(gzip -9c "$site/$f" | wc -c)
+  printf '  %-16s %9d bytes %9d gzip\n' "$f" "$size" "$gz"
+  total=$((total + size)) packed=$((packed + gz))
+done
+printf '  %-16s %9d bytes %9d gzip\n' "the page" "$total" "$packed"
 
 if [ "${1:-}" = "serve" ]; then
   step "serving $site on http://localhost:8080/"

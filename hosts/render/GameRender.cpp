@@ -37,12 +37,6 @@ std::string plyFileName(size_t ply, size_t last) {
 
 }  // namespace
 
-Position codesOf(const draughts::Position& position) {
-  Position codes{};
-  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
-  return codes;
-}
-
 GameLine lineOf(const draughts::PdnGame& game, size_t plies) {
   GameLine line;
   draughts::Position position = game.start;

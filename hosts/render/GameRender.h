@@ -16,9 +16,6 @@
 
 namespace render {
 
-// The control's field codes of a position.
-Position codesOf(const ostrel::draughts::Position& position);
-
 // A game as the control plays it.
 struct GameLine {
   Position start{};

@@ -61,10 +61,6 @@ std::string_view unwrap(std::string_view s) {
   return s;
 }
 
-bool isWhite(int16_t code) {
-  return code == kWhiteMan || code == kWhiteKing;
-}
-
 // What no game reaches, or what the board cannot show: more than 20 pieces of a colour, or more
 // discs than the control has of that colour.
 bool possible(const Position& position, std::string& error) {
@@ -90,37 +86,6 @@ bool possible(const Position& position, std::string& error) {
   return true;
 }
 
-// One colour's list: "31-35,K46,K47-48".
-bool readPieces(std::string_view list, bool white, Position& position, std::string& error) {
-  for (std::string_view item : split(list, ',')) {
-    item = trim(item);
-    if (item.empty()) continue;
-    bool king = false;
-    if (item.front() == 'K' || item.front() == 'k') {
-      king = true;
-      item = trim(item.substr(1));
-    }
-    auto dash = item.find('-');
-    auto first = fieldNumber(item.substr(0, dash));
-    auto last = dash == std::string_view::npos ? first : fieldNumber(item.substr(dash + 1));
-    if (!first || !last) {
-      error = "not a field or range of fields: \"" + std::string(item) + "\"";
-      return false;
-    }
-    int16_t from = std::min(*first, *last), to = std::max(*first, *last);
-    const int16_t code = white ? (king ? kWhiteKing : kWhiteMan) : (king ? kBlackKing : kBlackMan);
-    for (int16_t f = from; f <= to; ++f) {
-      int16_t& slot = position[static_cast<size_t>(f - 1)];
-      if (slot != kEmpty && isWhite(slot) != white) {
-        error = "field " + std::to_string(f) + " is given to both white and black";
-        return false;
-      }
-      slot = code;
-    }
-  }
-  return true;
-}
-
 }  // namespace
 
 // A whole decimal number, nothing before or after it.
@@ -139,32 +104,26 @@ Position startingPosition() {
   return p;
 }
 
+Position codesOf(const ostrel::draughts::Position& position) {
+  Position codes{};
+  for (size_t i = 0; i < codes.size(); ++i) codes[i] = static_cast<int16_t>(position.squares[i]);
+  return codes;
+}
+
 std::optional<Position> parseFen(std::string_view text, std::string& error) {
   std::string_view s = unwrap(text);
   if (s.empty()) {
     error = "the FEN is empty: give a position such as W:W31-50:B1-20";
     return std::nullopt;
   }
-  Position position{};
-  bool sawColour = false;
-  auto parts = split(s, ':');
-  for (size_t i = 0; i < parts.size(); ++i) {
-    std::string_view part = trim(parts[i]);
-    if (part.empty()) continue;
-    const char head = static_cast<char>(std::toupper(static_cast<unsigned char>(part.front())));
-    // The side to move comes first and stands alone; the picture does not depend on it.
-    if (i == 0 && part.size() == 1 && (head == 'W' || head == 'B')) continue;
-    if (head != 'W' && head != 'B') {
-      error = "a piece list starts with W or B: \"" + std::string(part) + "\"";
-      return std::nullopt;
-    }
-    if (!readPieces(part.substr(1), head == 'W', position, error)) return std::nullopt;
-    sawColour = true;
-  }
-  if (!sawColour) {
-    error = "no piece list in \"" + std::string(text) + "\"";
+  ostrel::draughts::TextError fault;
+  const auto read = ostrel::draughts::parseFen(s, &fault);
+  if (!read) {
+    error = "not a position: " + fault.message + " at column " + std::to_string(fault.column) +
+            " of \"" + std::string(s) + "\"";
     return std::nullopt;
   }
+  Position position = codesOf(*read);
   if (!possible(position, error)) return std::nullopt;
   return position;
 }

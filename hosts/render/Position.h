@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ostrel/draughts.h"
+
 namespace render {
 
 // Field codes of the control, slot = field number - 1.
@@ -21,9 +23,12 @@ inline constexpr float kWholeBoardDistance = 22.0f;
 
 Position startingPosition();
 
-// "W:W31-50:B1-20", kings with a K in front ("W:WK46,31-35:B1-5,K12"). Lists may hold single
-// fields and ranges in either order; blanks, surrounding quotes, a [FEN "..."] wrapper and a
-// closing full stop are tolerated. No value when the text is not a position; error says why.
+// The control's field codes of a position of the host kit.
+Position codesOf(const ostrel::draughts::Position& position);
+
+// A position as the host kit reads FEN ("W:W31-50:B1-20", "W:WK46,31-35:B1-5,K12"), also inside
+// quotes or a [FEN "..."] wrapper, and only when the board can show it. No value when the text is
+// not such a position; error says why.
 std::optional<Position> parseFen(std::string_view text, std::string& error);
 
 // The field on which a move such as "32-28" or "26x37x48" ends; no value when the move is not a

@@ -220,8 +220,12 @@ void paintStatusFrame(Image& image, const Label& frame, const Label& status, con
   // Hiding the frame hides everything in it.
   if (!frame.Visible || twipsPerPixelX <= 0 || twipsPerPixelY <= 0) return;
   if (image.width <= 0 || image.height <= 0) return;
-  auto px = [&](float twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); };
-  auto py = [&](float twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); };
+  // Label sizes may be anything a host wrote; pixels stay far inside int so sums cannot overflow.
+  auto pixels = [](double v) {
+    return static_cast<int>(std::lround(std::isnan(v) ? 0.0 : std::clamp(v, -1e7, 1e7)));
+  };
+  auto px = [&](float twips) { return pixels(double{twips} / twipsPerPixelX); };
+  auto py = [&](float twips) { return pixels(double{twips} / twipsPerPixelY); };
   const Rect window{0, 0, image.width, image.height};
   const int fx = px(frame.Left), fy = py(frame.Top);
   const Rect frameArea{fx, fy, fx + px(frame.Width), fy + py(frame.Height)};

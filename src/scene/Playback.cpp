@@ -56,79 +56,91 @@ int sign(float v) {
   return v > 0 ? 1 : (v < 0 ? -1 : 0);
 }
 
-struct TravellingPiece {
-  cls3DobjectInfo* lower;
-  cls3DobjectInfo* upper;  // nullptr for a man
-  int stack;               // 2 for a man, 3 for a king: one disc more than the piece has
-};
-
-// Lifted at (x, y): the shadow stays on the board and moves out by one more disc than at rest.
-void placeLifted(ControlState& s, const TravellingPiece& p, float x, float y) {
-  translateIf(p.lower, x, kTravelHeight, y);
-  translateIf(p.upper, x, kTravelTopHeight, y);
-  translateIf(shadowAt(s, s.gesture.dragShadow), shadowX(x, p.stack), kShadowHeight,
-              shadowY(y, p.stack));
-}
-
-void placeLanded(ControlState& s, const TravellingPiece& p, float x, float y) {
-  translateIf(p.lower, x, kDiscRestHeight, y);
-  translateIf(p.upper, x, kKingTopRestHeight, y);
-  translateIf(shadowAt(s, s.gesture.dragShadow), shadowX(x, p.stack - 1), kShadowHeight,
-              shadowY(y, p.stack - 1));
-}
-
 }  // namespace
 
-void showMove(ControlState& s, std::string_view strMove) {
+MovePlayback::MovePlayback(ControlState& s, std::string_view strMove) : s_(s) {
   setHighLightField(s, -1);
-
-  const std::vector<int16_t> route = routeFields(normalMove(strMove));
-  const int32_t source = fieldSlot(route.front());
+  done_ = true;  // until a disc is found to play
+  route_ = routeFields(normalMove(strMove));
+  const int32_t source = fieldSlot(route_.front());
   if (source < 0) return;
   const int16_t piece = s.scene.fieldPiece[static_cast<size_t>(source)];
   const int16_t top = s.scene.fieldKingTop[static_cast<size_t>(source)];
-  if (piece < 0) return;
-  if (route.size() < 2) return;
-
-  const TravellingPiece travelling{discAt(s, piece), top >= 0 ? discAt(s, top) : nullptr,
-                                   top >= 0 ? 3 : 2};
+  if (piece < 0 || route_.size() < 2) return;
+  lower_ = discAt(s, piece);
+  upper_ = top >= 0 ? discAt(s, top) : nullptr;
+  stack_ = top >= 0 ? 3 : 2;
   s.gesture.dragShadow = s.scene.fieldShadow[static_cast<size_t>(source)];
+  done_ = false;
+}
 
-  Platform& clock = s.platform;
-  float tx = 0, ty = 0;
-  int16_t destination = 0;
-  for (size_t hop = 0; hop + 1 < route.size(); ++hop) {
-    // Each hop starts exactly on the field the route names.
-    float x = 0, y = 0;
-    fieldToBoard(route[hop], x, y);
-    destination = route[hop + 1];
-    fieldToBoard(destination, tx, ty);
-    placeLifted(s, travelling, x, y);
+// Lifted at (x, y): the shadow stays on the board and moves out by one more disc than at rest.
+void MovePlayback::placeLifted(float x, float y) {
+  translateIf(lower_, x, kTravelHeight, y);
+  translateIf(upper_, x, kTravelTopHeight, y);
+  translateIf(shadowAt(s_, s_.gesture.dragShadow), shadowX(x, stack_), kShadowHeight,
+              shadowY(y, stack_));
+}
 
-    const float dx = tx - x;
-    const float dy = ty - y;
-    const double distance = std::fabs(static_cast<double>(dx));
-    double travelled = 0;
-    int32_t last = clock.timeGetTime();
-    // Only the x distance is tested: on a diagonal both axes arrive together. The time between
-    // the two readings of one iteration is not counted.
-    while (travelled < distance) {
-      const double step = elapsedMs(last, clock.timeGetTime()) * kSpeed;
-      last = clock.timeGetTime();
-      x = static_cast<float>(x + sign(dx) * step);
-      y = static_cast<float>(y + sign(dy) * step);
-      travelled += step;
-      // The end of a hop is never drawn on its own: the next hop or the landing follows.
-      if (travelled < distance) {
-        placeLifted(s, travelling, x, y);
-        s.redraw();
+// Each hop starts exactly on the field the route names.
+void MovePlayback::startHop() {
+  fieldToBoard(route_[hop_], x_, y_);
+  fieldToBoard(route_[hop_ + 1], tx_, ty_);
+  placeLifted(x_, y_);
+  dx_ = tx_ - x_;
+  dy_ = ty_ - y_;
+  distance_ = std::fabs(static_cast<double>(dx_));
+  travelled_ = 0;
+  last_ = s_.platform.timeGetTime();
+  inHop_ = true;
+}
+
+void MovePlayback::land() {
+  translateIf(lower_, tx_, kDiscRestHeight, ty_);
+  translateIf(upper_, tx_, kKingTopRestHeight, ty_);
+  translateIf(shadowAt(s_, s_.gesture.dragShadow), shadowX(tx_, stack_ - 1), kShadowHeight,
+              shadowY(ty_, stack_ - 1));
+  setHighLightField(s_, route_.back());
+  s_.redraw();
+  done_ = true;
+}
+
+bool MovePlayback::advance() {
+  Platform& clock = s_.platform;
+  while (!done_) {
+    if (!inHop_) {
+      if (hop_ + 1 >= route_.size()) {
+        land();
+        return false;
       }
+      startHop();
+    }
+    // Only the x distance is tested: on a diagonal both axes arrive together. The time between
+    // the two readings of one step is not counted.
+    if (travelled_ >= distance_) {
+      inHop_ = false;
+      ++hop_;
+      continue;
+    }
+    const double step = elapsedMs(last_, clock.timeGetTime()) * kSpeed;
+    last_ = clock.timeGetTime();
+    x_ = static_cast<float>(x_ + sign(dx_) * step);
+    y_ = static_cast<float>(y_ + sign(dy_) * step);
+    travelled_ += step;
+    // The end of a hop is never drawn on its own: the next hop or the landing follows.
+    if (travelled_ < distance_) {
+      placeLifted(x_, y_);
+      s_.redraw();
+      return true;
     }
   }
+  return false;
+}
 
-  placeLanded(s, travelling, tx, ty);
-  setHighLightField(s, destination);
-  s.redraw();
+void showMove(ControlState& s, std::string_view strMove) {
+  MovePlayback playback(s, strMove);
+  while (playback.advance()) {
+  }
 }
 
 }  // namespace ostrel::scene

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <cmath>
 
 #include "ostrel/ostrel.h"
@@ -21,11 +22,14 @@ TEST(StatusFrame, FillIsAShareOfTwoPixelsLessThanTheFrame) {
   EXPECT_FALSE(board.lblProgress().Visible);
   EXPECT_EQ(board.lblStatus().Caption, "Initialising Quorvan ");
   // The percentage is the leading number of its text form; 100 neither hides the frame nor is a
-  // limit; what is no number, or infinite, reads as 0.
+  // limit; what is no number, or infinite, reads as 0, and a length past a Single's range keeps the
+  // longest.
   const std::pair<Variant, float> shares[] = {
-      {50, 2872.5f},      {0, 0.0f},     {100, 5745.0f},   {150, 8617.5f},       {"50", 2872.5f},
-      {"30abc", 1723.5f}, {"abc", 0.0f}, {12.5, 718.125f}, {std::nan(""), 0.0f}, {HUGE_VAL, 0.0f},
-      {-HUGE_VAL, 0.0f},  {"nan", 0.0f}, {"inf", 0.0f}};
+      {50, 2872.5f},        {0, 0.0f},          {100, 5745.0f},    {150, 8617.5f},
+      {"50", 2872.5f},      {"30abc", 1723.5f}, {"abc", 0.0f},     {12.5, 718.125f},
+      {std::nan(""), 0.0f}, {HUGE_VAL, 0.0f},   {-HUGE_VAL, 0.0f}, {"nan", 0.0f},
+      {"inf", 0.0f},        {"1e999", 0.0f},    {"-1e999", 0.0f},  {1e300, FLT_MAX},
+      {-1e40, -FLT_MAX}};
   for (const auto& [percentage, width] : shares) {
     board.showProgressBar("s", true, 50);
     board.showProgressBar("s", true, percentage);

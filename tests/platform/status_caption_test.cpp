@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "ostrel/PlatformSupport.h"
 #include "ostrel/ostrel.h"
 
@@ -65,6 +67,14 @@ TEST(StatusCaption, InItsColourOverTheFillClippedToTheFrameAndGoneWithIt) {
   EXPECT_GT(greenPixels(paint(f, 400, 60), 9, 9, 250, 32), 100) << "the text lies over the fill";
   f.status.Visible = false;
   EXPECT_EQ(greenPixels(paint(f, 400, 60), 0, 0, 400, 60), 0);
+  // A fill far longer than the frame, or of no finite length, is cut off by it like any other.
+  const Image full = paint(f, 400, 60);
+  for (const float width : {3.4e38f, 1e12f, -3.4e38f, INFINITY, NAN}) {
+    f.progress.Width = width;
+    const Image huge = paint(f, 400, 60);
+    EXPECT_EQ(huge.rgba == full.rgba, width > 0) << width;
+  }
+  f.progress.Width = 5745;
   f.status.Visible = true;
   f.frame.Visible = false;
   EXPECT_EQ(paint(f, 400, 60).rgba, blackWindow(400, 60).rgba) << "hiding the frame hides all";

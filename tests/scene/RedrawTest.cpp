@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "graphics/GraphicsContext.h"
@@ -53,5 +54,47 @@ TEST(Redraw, PlaybackAsksForEachFrameAndNeedsNoDevice) {
     EXPECT_FLOAT_EQ(seen.back().posX(), x);
     EXPECT_FLOAT_EQ(seen.back().posY(), 0.2265f);
     EXPECT_EQ(seen.back().posZ(), y);
+  }
+}
+
+// A host that must not block steps the move from its own timer: the clock moves between the
+// steps, not inside the frames. Each step draws one frame, the first of a hop where it starts,
+// and the last one is the landing.
+TEST(Redraw, PlaybackStepsOneFrameAtATime) {
+  struct Case {
+    const char* move;
+    int16_t code;
+    int tickMs;
+    size_t frames;  // lifted frames, then the landing; 0: nothing to play
+  } const cases[] = {
+      // 125 ms for one square: frames at 0, 16, ..., 112 ms, then the landing.
+      {"32-28", kWhiteMan, 16, 9},
+      {"32-28", kWhiteMan, 200, 2},
+      {"46x37x28", kWhiteKing, 100, 7},  // two hops of two squares: frames at 0, 100, 200 ms each
+      {"28-23", kWhiteMan, 16, 0},       // the source is empty
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.move + std::string(" ") + std::to_string(c.tickMs));
+    HeadlessPlatform platform;
+    platform.useManualClock(0, 0);
+    size_t frames = 0;
+    ControlState s(platform, [&] { ++frames; });
+    s.fieldCode[45] = c.code;
+    s.fieldCode[31] = c.code;
+    scene::drawBoard(s);
+
+    scene::MovePlayback playback(s, c.move);
+    size_t steps = 0;
+    for (bool more = true; more; ++steps) {
+      const size_t before = frames;
+      more = playback.advance();
+      EXPECT_EQ(frames, c.frames == 0 ? 0 : before + 1) << steps;
+      platform.advance(c.tickMs);
+      ASSERT_LT(steps, 100u);
+    }
+    EXPECT_EQ(frames, c.frames);
+    EXPECT_EQ(steps, std::max<size_t>(c.frames, 1));
+    EXPECT_FALSE(playback.advance());
+    EXPECT_EQ(frames, c.frames);
   }
 }

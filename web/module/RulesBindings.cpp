@@ -1,10 +1,12 @@
-// The draughts kit's rules for the page's game: the legal moves of a position and the position
-// after one of them, both as FEN texts, so that the page's script keeps the game.
+// The draughts kit's rules for the page's game: the legal moves of a position, the position after
+// one of them, both as FEN texts, so that the page's script keeps the game, and the demo's
+// opponent.
 
 #include <emscripten/emscripten.h>
 
 #include <string>
 
+#include "Game.h"
 #include "ostrel/draughts.h"
 
 namespace draughts = ostrel::draughts;
@@ -43,6 +45,17 @@ EMSCRIPTEN_KEEPALIVE const char* ostrel_rules_play(const char* fen, const char* 
   const auto match = draughts::matchMove(*position, legal, move);
   if (!match.index) return handOver({});
   return handOver(draughts::toFen(draughts::play(*position, legal[*match.index])));
+}
+
+// The demo's opponent's move for the side to move, in the control's form; "" when there is none.
+// The same position and seed give the same move.
+EMSCRIPTEN_KEEPALIVE const char* ostrel_rules_choose(const char* fen, unsigned seed) {
+  auto position = draughts::parseFen(fen);
+  if (!position) return handOver({});
+  const auto moves = draughts::controlMoveList(*position);
+  if (moves.empty()) return handOver({});
+  demo::Opponent opponent(seed);
+  return handOver(moves[opponent.choose(*position)]);
 }
 
 }  // extern "C"

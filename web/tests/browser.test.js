@@ -28,12 +28,13 @@ test.after(async () => {
   if (server) server.close();
 });
 
-async function openPage(options = {}) {
+// The page with the opponent's seed fixed and, unless asked for, no build-up.
+async function openPage(options = {}, query = "seed=7&opening=0") {
   const context = await browser.newContext({ viewport: { width: 600, height: 700 }, ...options });
   const page = await context.newPage();
   const problems = [];
   page.on("pageerror", (e) => problems.push(String(e)));
-  await page.goto(`http://127.0.0.1:${server.address().port}/`);
+  await page.goto(`http://127.0.0.1:${server.address().port}/?${query}`);
   await page.waitForFunction(() => window.ostrelPage.ready || window.ostrelPage.error,
     null, { timeout: 60000 });
   const state = await page.evaluate(() => window.ostrelPage);
@@ -45,6 +46,8 @@ async function openPage(options = {}) {
 // Where fields lie on the canvas, in CSS pixels: the pointer is moved over a grid (without a
 // button) and the board names the field under it; each field's points are averaged.
 async function fieldCentres(page) {
+  // The control takes no pointer move within 15 ms of a frame: the scan starts after that.
+  await page.waitForTimeout(50);
   return page.evaluate(() => {
     const board = window.board;
     const box = board.canvas.getBoundingClientRect();
@@ -127,12 +130,19 @@ test("a mouse drag from 32 to 28 reports 32-28 and leaves a white disc on 28", a
   await context.close();
 });
 
-test("a drop on a field that is no listed destination reports nothing", async () => {
+test("a drop on a field that is no listed destination, or after Escape, reports nothing", async () => {
   const { page, context } = await openPage();
   const c = await fieldCentres(page);
   await page.mouse.move(c[32].x, c[32].y);
   await page.mouse.down();
   await page.mouse.move(c[23].x, c[23].y, { steps: 8 });
+  await page.mouse.up();
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
+  // Escape gives up a drag: the release over 28 plays nothing.
+  await page.mouse.move(c[32].x, c[32].y);
+  await page.mouse.down();
+  await page.mouse.move(c[28].x, c[28].y, { steps: 8 });
+  await page.keyboard.press("Escape");
   await page.mouse.up();
   assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
   await context.close();
@@ -161,24 +171,184 @@ test("a touch drag from 32 to 28 reports 32-28", async () => {
   await context.close();
 });
 
-test("black replies to 32-28 with one of its legal moves, and white may move again", async () => {
+// Drags the piece of a move from its first field to its last with the mouse.
+async function dragMove(page, c, move, button = "left") {
+  const fields = move.split(/[-x]/).map(Number);
+  const [from, to] = [c[fields[0]], c[fields[fields.length - 1]]];
+  await page.mouse.move(from.x, from.y);
+  await page.mouse.down({ button });
+  for (let i = 1; i <= 8; ++i) {
+    await page.mouse.move(from.x + (to.x - from.x) * i / 8, from.y + (to.y - from.y) * i / 8);
+    await page.waitForTimeout(20);  // past the control's gate between drawn moves
+  }
+  await page.mouse.up({ button });
+}
+
+test("black replies to 32-28 with the opponent's move, played on the board, and white moves again",
+  async () => {
+    const { page, context } = await openPage();
+    const c = await fieldCentres(page);
+    await dragMove(page, c, "32-28");
+    await page.waitForFunction(() => window.ostrelPage.whiteToMove, null, { timeout: 30000 });
+    const state = await page.evaluate(() => window.ostrelPage);
+    // After 32-28 black's men on 16 to 20 have the only moves, each one row down.
+    assert.strictEqual(state.replies.length, 1);
+    const [from, to] = state.replies[0].split("-").map(Number);
+    assert.ok(from >= 16 && from <= 20 && to >= 21 && to <= 25, state.replies[0]);
+    // The reply stands on the board: a black man on its field, none where it came from.
+    const black = await brightness(page, c[to]);
+    const left = await brightness(page, c[from]);
+    assert.ok(Math.abs(black - left) > 10, `${to}: ${black}, ${from}: ${left}`);
+    // The same seed chooses the same reply.
+    const again = await page.evaluate(() =>
+      OstrelRules.load().then((r) => r.choose("B:W28,31,33-50:B1-20", window.ostrelPage.seed)));
+    assert.strictEqual(again, state.replies[0]);
+    // White's second move is one of those now listed (a capture if black offered one).
+    await dragMove(page, c, state.whiteMoves[0]);
+    assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves),
+      ["32-28", state.whiteMoves[0]]);
+    await context.close();
+  });
+
+test("showMove animates frame by frame and resolves once the piece has landed", async () => {
   const { page, context } = await openPage();
   const c = await fieldCentres(page);
-  await page.mouse.move(c[32].x, c[32].y);
-  await page.mouse.down();
-  await page.mouse.move(c[28].x, c[28].y, { steps: 8 });
-  await page.mouse.up();
-  await page.waitForFunction(() => window.ostrelPage.replies.length === 1, null, { timeout: 10000 });
-  const reply = await page.evaluate(() => window.ostrelPage.replies[0]);
-  // After 32-28 black's men on 16 to 20 have the only moves, each one row down.
-  const [from, to] = reply.split("-").map(Number);
-  assert.ok(from >= 16 && from <= 20 && to >= 21 && to <= 25, reply);
-  // A second drag is taken once the reply is on the board: 37-32 is legal whatever black did.
+  const run = await page.evaluate(async () => {
+    let frames = 0;
+    window.board.on("frame", () => { frames += 1; });
+    const start = performance.now();
+    const shown = await window.board.showMove("32-28");
+    return { frames, ms: performance.now() - start, shown };
+  });
+  // One square takes 125 ms at the control's pace; the page's timer draws a frame per step.
+  assert.strictEqual(run.shown, "32-28");
+  assert.ok(run.ms >= 120, JSON.stringify(run));
+  // A travelling frame at least, then the landing; how many fit depends on the frame's cost.
+  assert.ok(run.frames >= 2, JSON.stringify(run));
+  const on28 = await brightness(page, c[28]);
+  const on27 = await brightness(page, c[27]);
+  assert.ok(on28 > on27 + 40, `28 after the move ${on28}, the empty 27 ${on27}`);
+  await context.close();
+});
+
+test("the game opens with the falling pieces, then white may move", async () => {
+  const { page, context } = await openPage({}, "seed=7&opening=1200");
   await page.waitForFunction(() => window.ostrelPage.whiteToMove, null, { timeout: 30000 });
-  await page.mouse.move(c[37].x, c[37].y);
-  await page.mouse.down();
-  await page.mouse.move(c[32].x, c[32].y, { steps: 8 });
-  await page.mouse.up();
-  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), ["32-28", "37-32"]);
+  const frames = await page.evaluate(() => window.ostrelPage.openingFrames);
+  assert.ok(frames >= 5, `${frames} frames of the build-up`);
+  const c = await fieldCentres(page);
+  assert.strictEqual(Object.keys(c).length, 50);
+  const white = await brightness(page, c[32]);
+  const empty = await brightness(page, c[28]);
+  assert.ok(white > empty + 40, `32: ${white}, 28: ${empty}`);
+  await context.close();
+});
+
+test("the status frame shows over the canvas with its text and bar", async () => {
+  const { page, context } = await openPage();
+  const frame = await page.evaluate(() => {
+    window.board.showProgressBar("Thinking", true, 50);
+    const f = document.querySelector(".ostrel-status");
+    const canvas = window.board.canvas.getBoundingClientRect();
+    const box = f.getBoundingClientRect();
+    return { shown: getComputedStyle(f).display !== "none", text: f.textContent,
+      left: box.left - canvas.left, top: box.top - canvas.top, width: box.width,
+      fill: f.firstChild.getBoundingClientRect().width };
+  });
+  // 120 twips from the corner, 5775 wide; the bar fills half of 5775 less two pixels (15 twips each).
+  assert.ok(frame.shown);
+  assert.strictEqual(frame.text, "Thinking");
+  assert.ok(Math.abs(frame.left - 8) < 1 && Math.abs(frame.top - 8) < 1, JSON.stringify(frame));
+  assert.ok(Math.abs(frame.width - 385) < 1, JSON.stringify(frame));
+  assert.ok(Math.abs(frame.fill - 191.5) < 1, JSON.stringify(frame));
+  const hidden = await page.evaluate(() => {
+    window.board.showProgressBar("", false, 0);
+    return getComputedStyle(document.querySelector(".ostrel-status")).display;
+  });
+  assert.strictEqual(hidden, "none");
+  await context.close();
+});
+
+test("a right-button drag turns the view and moves no piece", async () => {
+  const { page, context } = await openPage();
+  const c = await fieldCentres(page);
+  const before = await page.evaluate(() => window.board.view());
+  await dragMove(page, c, "32-28", "right");
+  const after = await page.evaluate(() => window.board.view());
+  assert.ok(Math.abs(after.azimuth - before.azimuth) > 0.05 ||
+    Math.abs(after.elevation - before.elevation) > 0.05, JSON.stringify({ before, after }));
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
+  await context.close();
+});
+
+test("two fingers turn the view; the first finger's piece goes back", async () => {
+  const { page, context } = await openPage({ hasTouch: true });
+  const c = await fieldCentres(page);
+  const cdp = await context.newCDPSession(page);
+  const touch = (type, points) => cdp.send("Input.dispatchTouchEvent",
+    { type, touchPoints: points.map(([x, y], id) => ({ x, y, id })) });
+  const before = await page.evaluate(() => window.board.view());
+  // The first finger takes up the man on 32, the second comes down on 34; both sweep right.
+  await touch("touchStart", [[c[32].x, c[32].y]]);
+  await touch("touchStart", [[c[32].x, c[32].y], [c[34].x, c[34].y]]);
+  for (let i = 1; i <= 8; ++i) {
+    await touch("touchMove", [[c[32].x + 15 * i, c[32].y], [c[34].x + 15 * i, c[34].y]]);
+    await page.waitForTimeout(20);
+  }
+  await touch("touchEnd", []);
+  const after = await page.evaluate(() => window.board.view());
+  assert.ok(Math.abs(after.azimuth - before.azimuth) > 0.05, JSON.stringify({ before, after }));
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), []);
+  // The man is back on 32, where the turned view shows it: a mouse drag 32-28 still plays.
+  const turned = await fieldCentres(page);
+  assert.ok(Math.hypot(turned[32].x - c[32].x, turned[32].y - c[32].y) > 3);
+  await dragMove(page, turned, "32-28");
+  assert.deepStrictEqual(await page.evaluate(() => window.ostrelPage.moves), ["32-28"]);
+  await context.close();
+});
+
+test("twisting two fingers turns the board with them", async () => {
+  const { page, context } = await openPage({ hasTouch: true });
+  const centre = await page.evaluate(() => {
+    const b = window.board.canvas.getBoundingClientRect();
+    return { x: b.left + b.width / 2, y: b.top + b.height / 2 - 20 };
+  });
+  const cdp = await context.newCDPSession(page);
+  const fingers = (angle) => [1, -1].map((side, id) => ({ id,
+    x: centre.x + side * 80 * Math.cos(angle), y: centre.y + side * 80 * Math.sin(angle) }));
+  const before = await page.evaluate(() => window.board.view());
+  await cdp.send("Input.dispatchTouchEvent", { type: "touchStart", touchPoints: fingers(0) });
+  // Half a radian anticlockwise on the screen, whose y axis points down.
+  for (let i = 1; i <= 10; ++i) {
+    await cdp.send("Input.dispatchTouchEvent", { type: "touchMove", touchPoints: fingers(-i / 20) });
+    await page.waitForTimeout(25);
+  }
+  await cdp.send("Input.dispatchTouchEvent", { type: "touchEnd", touchPoints: [] });
+  const after = await page.evaluate(() => window.board.view());
+  // The azimuth grows as the board turns anticlockwise; a move lost to the control's gate
+  // between frames may keep it a little short of the fingers.
+  const turned = after.azimuth - before.azimuth;
+  assert.ok(turned > 0.3 && turned < 0.55, JSON.stringify({ before, after }));
+  await context.close();
+});
+
+test("an image that fails to load shows the control's message in the page's dialog", async () => {
+  const { page, context } = await openPage();
+  const c = await fieldCentres(page);
+  const white = await brightness(page, c[32]);
+  const message = await page.evaluate(() => {
+    window.board.setImages({ white: "missing.png" });
+    const dialog = document.getElementById("message");
+    return { open: dialog.open, text: dialog.querySelector("p").textContent };
+  });
+  assert.deepStrictEqual(message,
+    { open: true, text: "Texture load failed: /ostrel/models/missing.png" });
+  // The black pieces' image on the white ones: the man on 32 turns dark.
+  await page.evaluate(() => {
+    document.getElementById("message").close();
+    window.board.setImages({ white: "pieceblack.png" });
+  });
+  const dressed = await brightness(page, c[32]);
+  assert.ok(dressed < white - 40, `32 dressed black ${dressed}, white before ${white}`);
   await context.close();
 });

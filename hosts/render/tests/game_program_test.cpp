@@ -153,7 +153,8 @@ TEST_F(GameProgram, BadInputIsNamedAndLeavesNoFile) {
       {"--pdn " + path("missing.pdn") + " --out " + path("x.png"), 1, "cannot read", path("x.png")},
       {"--pdn " + path("empty.pdn") + " --out " + path("x.png"), 1, "holds no game", path("x.png")},
       {"--pdn " + games() + " --size 48 --all-plies " + path("a-file"), 1, "cannot write", ""},
-      {"--pdn " + games() + " W:W31 --out " + path("x.png"), 2, "no FEN position", path("x.png")},
+      {"--pdn " + games() + " W:W31:B1 --out " + path("x.png"), 2, "no FEN position",
+       path("x.png")},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.args);

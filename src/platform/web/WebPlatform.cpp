@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 #include "graphics/d3d8.h"
 #include "ostrel/PlatformSupport.h"
+#include "ostrel/ctlBoard.h"
 
 namespace ostrel {
 
@@ -23,6 +25,40 @@ EM_JS(void, showMessageBox, (const char* canvas, const char* text), {
     window.alert(message);
   }
 });
+
+// The status frame as page elements over the canvas: the page's script lays them out (places and
+// sizes in CSS pixels, colours as CSS texts).
+EM_JS(void, placeStatusFrame,
+      (const char* canvas, int visible, double left, double top, double width, double height,
+       const char* back, const char* text, const char* textColour, int textVisible, int fillVisible,
+       double fillWidth, double fillHeight, const char* fillColour),
+      {
+        if (!Module.onStatusFrame) return;
+        Module.onStatusFrame(UTF8ToString(canvas), {
+          visible : !!visible,
+          left : left,
+          top : top,
+          width : width,
+          height : height,
+          back : UTF8ToString(back),
+          text : UTF8ToString(text),
+          textColour : UTF8ToString(textColour),
+          textVisible : !!textVisible,
+          fillVisible : !!fillVisible,
+          fillWidth : fillWidth,
+          fillHeight : fillHeight,
+          fillColour : UTF8ToString(fillColour)
+        });
+      });
+
+// 0x00BBGGRR as a CSS colour; a system colour (0x80000000 and up) is the one given.
+std::string cssColour(int32_t colour, const char* system) {
+  if (colour < 0) return system;
+  char text[8];
+  std::snprintf(text, sizeof text, "#%02x%02x%02x", colour & 0xFF, (colour >> 8) & 0xFF,
+                (colour >> 16) & 0xFF);
+  return text;
+}
 
 // Rebinds a framebuffer target on leaving, so that presenting leaves GL as it found it.
 class BindingKeeper {
@@ -108,7 +144,32 @@ void WebPlatform::MsgBox(const std::string& text) {
   showMessageBox(canvas_.c_str(), text.c_str());
 }
 
-void WebPlatform::Refresh(const Label&) {}
+void WebPlatform::Refresh(const Label&) {
+  showStatusFrame();
+}
+
+void WebPlatform::showStatusFrame() {
+  const ctlBoard* control = attachedControl();
+  if (!control) return;
+  const Label& frame = control->label1();
+  const Label& status = control->lblStatus();
+  const Label& fill = control->lblProgress();
+  const double px = 1.0 / kTwipsPerCssPixel;
+  const std::string back = cssColour(frame.BackColor, "#ffffff");
+  const std::string ink = cssColour(status.ForeColor, "#000000");
+  const std::string fillColour = cssColour(fill.BackColor, "#0000ff");
+  // The same frame again is not laid out again.
+  std::string key = std::to_string(frame.Visible) + std::to_string(status.Visible) +
+                    std::to_string(fill.Visible) + std::to_string(fill.Width) + "|" +
+                    std::to_string(fill.Height) + "|" + status.Caption + "|" + back + ink +
+                    fillColour + std::to_string(frame.Left) + std::to_string(frame.Top);
+  if (key == statusShown_) return;
+  statusShown_ = std::move(key);
+  placeStatusFrame(canvas_.c_str(), frame.Visible, frame.Left * px, frame.Top * px,
+                   frame.Width * px, frame.Height * px, back.c_str(), status.Caption.c_str(),
+                   ink.c_str(), status.Visible, fill.Visible, fill.Width * px, fill.Height * px,
+                   fillColour.c_str());
+}
 
 bool WebPlatform::makeContextCurrent() {
   if (!context_ && !contextFailed_) {
@@ -149,6 +210,7 @@ void WebPlatform::presentFramebuffer(uint32_t framebuffer, int32_t width, int32_
   glBindFramebuffer(GL_DRAW_FRAMEBUFFER, 0);
   glBlitFramebuffer(0, 0, width, height, 0, 0, pictureWidth_, pictureHeight_, GL_COLOR_BUFFER_BIT,
                     width == pictureWidth_ && height == pictureHeight_ ? GL_NEAREST : GL_LINEAR);
+  showStatusFrame();
 }
 
 Image WebPlatform::windowImage() const {
@@ -167,6 +229,8 @@ Image WebPlatform::windowImage() const {
   for (int y = 0; y < image.height; ++y) {
     std::copy_n(bottomUp.data() + (image.height - 1 - y) * row, row, image.rgba.data() + y * row);
   }
+  const auto twipsPerPixel = static_cast<float>(kTwipsPerCssPixel / ratio_);
+  paintStatusFrame(image, attachedControl(), twipsPerPixel, twipsPerPixel);
   return image;
 }
 

@@ -42,6 +42,10 @@ class WebPlatform : public Platform, public Surface {
   void presentFramebuffer(uint32_t framebuffer, int32_t width, int32_t height) override;
   Image windowImage() const override;
 
+  // Hands the control's status frame to the page when it changed: a frame is no part of the
+  // WebGL picture but page elements over the canvas.
+  void showStatusFrame();
+
  private:
   std::string canvas_, assets_;
   double cssWidth_ = 0, cssHeight_ = 0, ratio_ = 1;
@@ -49,6 +53,7 @@ class WebPlatform : public Platform, public Surface {
   intptr_t context_ = 0;  // the WebGL context handle; 0 until made
   bool contextFailed_ = false;
   std::mt19937 random_;
+  std::string statusShown_;  // what the page was last told of the status frame
 };
 
 }  // namespace ostrel
