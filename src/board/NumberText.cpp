@@ -1,10 +1,12 @@
 #include "board/NumberText.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <string>
 
 namespace ostrel::board {
@@ -14,6 +16,12 @@ bool isDigit(char c) {
   return c >= '0' && c <= '9';
 }
 }  // namespace
+
+float toSingle(double value) {
+  if (std::isnan(value)) return 0;
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  return static_cast<float>(std::clamp(value, -kLargest, kLargest));
+}
 
 double leadingNumber(std::string_view text) {
   size_t i = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "board/NumberText.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/LoadFailureReport.h"
 #include "graphics/TexturePath.h"
@@ -61,7 +62,7 @@ void clsMesh::init(const Variant& filename, const Variant& alternativeTexture,
     // The file's ambient colour is never used: ambient light reflects the diffuse colour.
     m.Ambient = m.Diffuse;
     // The argument is an alpha for every material, whatever its name says.
-    if (!diffuse.isEmpty()) m.Diffuse.a = static_cast<float>(diffuse.leadingNumber());
+    if (!diffuse.isEmpty()) m.Diffuse.a = board::toSingle(diffuse.leadingNumber());
     const std::string name = BufferGetTextureName(*materialBuffer, static_cast<int32_t>(i));
     // An alternative replaces a texture; it gives none to a material that has none.
     if (name.empty()) continue;
