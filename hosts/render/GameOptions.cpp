@@ -21,14 +21,7 @@ bool takeGameArguments(std::vector<std::string>& args, GameOptions& game, std::s
   std::string firstGameOption;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    auto value = [&](std::string& out) {
-      if (i + 1 >= args.size()) {
-        error = a + " needs a value";
-        return false;
-      }
-      out = args[++i];
-      return true;
-    };
+    auto value = [&](std::string& out) { return optionValue(args, i, out, error); };
     auto number = [&](long long low, long long high, long long& out) {
       std::string v;
       if (!value(v)) return false;

@@ -97,6 +97,16 @@ std::optional<int> wholeNumber(std::string_view s) {
   return value;
 }
 
+bool optionValue(const std::vector<std::string>& args, size_t& i, std::string& out,
+                 std::string& error) {
+  if (i + 1 >= args.size()) {
+    error = args[i] + " needs a value";
+    return false;
+  }
+  out = args[++i];
+  return true;
+}
+
 Position startingPosition() {
   Position p{};
   for (int f = 1; f <= 20; ++f) p[static_cast<size_t>(f - 1)] = kBlackMan;
@@ -159,14 +169,7 @@ std::optional<Options> parseArguments(const std::vector<std::string>& args, std:
   bool haveFen = false;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    auto value = [&](std::string& out) {
-      if (i + 1 >= args.size()) {
-        error = a + " needs a value";
-        return false;
-      }
-      out = args[++i];
-      return true;
-    };
+    auto value = [&](std::string& out) { return optionValue(args, i, out, error); };
     auto pixels = [&](int& out) {
       std::string v;
       if (!value(v)) return false;

@@ -61,4 +61,9 @@ std::string usage(std::string_view program);
 // A whole decimal number, nothing but spaces around it; no value when it is not one or overflows.
 std::optional<int> wholeNumber(std::string_view s);
 
+// The value that follows the option at args[i], moving i onto it; false, with error saying so,
+// when the option comes last.
+bool optionValue(const std::vector<std::string>& args, size_t& i, std::string& out,
+                 std::string& error);
+
 }  // namespace render

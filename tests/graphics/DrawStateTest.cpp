@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "FreshState.h"
 #include "graphics/gl/FixedFunction.h"
 
 namespace ostrel::testing {
@@ -9,12 +10,6 @@ namespace {
 
 using namespace graphics;
 using gl::GlDrawState;
-
-gl::FixedFunctionState freshState() {
-  D3DPRESENT_PARAMETERS p{};
-  p.EnableAutoDepthStencil = 1;
-  return gl::defaultState(p, 200, 100);
-}
 
 const gl::DrawTarget kTarget{7, 100, true, false};
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "FreshState.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/gl/FixedFunction.h"
 #include "graphics/gl/GlContext.h"
@@ -14,12 +15,6 @@ namespace {
 
 using namespace graphics;
 using gl::GlDrawState;
-
-gl::FixedFunctionState freshState() {
-  D3DPRESENT_PARAMETERS p{};
-  p.EnableAutoDepthStencil = 1;
-  return gl::defaultState(p, 200, 100);
-}
 
 TEST(StateCache, ApplySendsOnlyTheGroupsThatDiffer) {
   GraphicsFixture f(32, 32);
