@@ -8,7 +8,8 @@
 // its ratio (cpu full/empty), which a machine busy with other work disturbs far less; what
 // the full frame sent to OpenGL (draws, programs, states, uniforms, buffers, gl_calls), and the
 // renderer's own statistics of both frames where it keeps them: fragment shader invocations
-// (fs_full, fs_empty) and primitives after clipping (prims_full).
+// (fs_full, fs_empty) and primitives after clipping (prims_full); and the samples both frames
+// wrote (samples_full, samples_empty) with their ratio, the floor of full/empty where fill rules.
 
 #include <benchmark/benchmark.h>
 #include <epoxy/gl.h>
@@ -64,25 +65,36 @@ struct Rig {
   bool started = false;
 };
 
-// Fragment shader invocations and primitives of one frame, from the renderer's pipeline
-// statistics; zeros where it keeps none.
-std::pair<double, double> pipelineStatistics(ctlBoard& board) {
-  if (!epoxy_has_gl_extension("GL_ARB_pipeline_statistics_query")) {
-    board.render();
-    return {0, 0};
+// What the renderer did for one frame: fragment shader invocations and primitives after clipping
+// from its pipeline statistics (zeros where it keeps none), and the samples that passed the depth
+// test, which every OpenGL 3.3 renderer counts. The samples are the fill a frame cannot avoid: on
+// a renderer bound by fill, the full frame costs at least their ratio to the empty frame's.
+struct FrameStatistics {
+  double fragments = 0, primitives = 0, samples = 0;
+};
+
+FrameStatistics frameStatistics(ctlBoard& board) {
+  const bool pipeline = epoxy_has_gl_extension("GL_ARB_pipeline_statistics_query");
+  GLuint q[3];
+  glGenQueries(3, q);
+  glBeginQuery(GL_SAMPLES_PASSED, q[2]);
+  if (pipeline) {
+    glBeginQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB, q[0]);
+    glBeginQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB, q[1]);
   }
-  GLuint q[2];
-  glGenQueries(2, q);
-  glBeginQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB, q[0]);
-  glBeginQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB, q[1]);
   board.render();
-  glEndQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB);
-  glEndQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB);
-  GLuint64 fragments = 0, primitives = 0;
-  glGetQueryObjectui64v(q[0], GL_QUERY_RESULT, &fragments);
-  glGetQueryObjectui64v(q[1], GL_QUERY_RESULT, &primitives);
-  glDeleteQueries(2, q);
-  return {static_cast<double>(fragments), static_cast<double>(primitives)};
+  GLuint64 fragments = 0, primitives = 0, samples = 0;
+  if (pipeline) {
+    glEndQuery(GL_FRAGMENT_SHADER_INVOCATIONS_ARB);
+    glEndQuery(GL_CLIPPING_OUTPUT_PRIMITIVES_ARB);
+    glGetQueryObjectui64v(q[0], GL_QUERY_RESULT, &fragments);
+    glGetQueryObjectui64v(q[1], GL_QUERY_RESULT, &primitives);
+  }
+  glEndQuery(GL_SAMPLES_PASSED);
+  glGetQueryObjectui64v(q[2], GL_QUERY_RESULT, &samples);
+  glDeleteQueries(3, q);
+  return {static_cast<double>(fragments), static_cast<double>(primitives),
+          static_cast<double>(samples)};
 }
 
 void BM_FullOverEmpty(benchmark::State& state) {
@@ -96,9 +108,9 @@ void BM_FullOverEmpty(benchmark::State& state) {
   double cpuFull = 0, cpuEmpty = 0;
   graphics::DeviceCounters sent;
   rig.empty();
-  const auto [fsEmpty, primsEmpty] = pipelineStatistics(rig.board);
+  const FrameStatistics emptyStats = frameStatistics(rig.board);
   rig.fill();
-  const auto [fsFull, primsFull] = pipelineStatistics(rig.board);
+  const FrameStatistics fullStats = frameStatistics(rig.board);
   for (auto _ : state) {
     // Eight of each, alternating, each set warmed up by one frame.
     rig.empty();
@@ -133,10 +145,14 @@ void BM_FullOverEmpty(benchmark::State& state) {
   state.counters["uniforms"] = sent.uniformUploads;
   state.counters["buffers"] = sent.bufferUploads;
   state.counters["gl_calls"] = sent.glCalls;
-  state.counters["fs_empty"] = fsEmpty;
-  state.counters["fs_full"] = fsFull;
-  state.counters["prims_empty"] = primsEmpty;
-  state.counters["prims_full"] = primsFull;
+  state.counters["fs_empty"] = emptyStats.fragments;
+  state.counters["fs_full"] = fullStats.fragments;
+  state.counters["prims_empty"] = emptyStats.primitives;
+  state.counters["prims_full"] = fullStats.primitives;
+  state.counters["samples_empty"] = emptyStats.samples;
+  state.counters["samples_full"] = fullStats.samples;
+  state.counters["samples full/empty"] =
+      emptyStats.samples > 0 ? fullStats.samples / emptyStats.samples : 0;
   state.SetLabel(std::to_string(state.range(0)) + "x" + std::to_string(state.range(1)) +
                  (state.range(2) ? " 4xMSAA" : ""));
 }
