@@ -43,6 +43,7 @@ constexpr int kImageSize = 512;
 
 struct ProfilePoint {
   double r, y;
+  bool ring = true;       // false: shapes the normals and the image's arc length, but no ring
   double nr = 0, ny = 0;  // outward normal
   double s = 0;           // arc length from the top's centre
 };
@@ -52,28 +53,28 @@ struct ProfilePoint {
 // each point.
 std::vector<ProfilePoint> profile() {
   std::vector<ProfilePoint> p;
-  auto add = [&](double r, double y) {
+  auto add = [&](double r, double y, bool ring = true) {
     if (!p.empty() && std::hypot(r - p.back().r, y - p.back().y) < 1e-9) return;
-    p.push_back({r, y});
+    p.push_back({r, y, ring});
   };
-  // Only the rings that the silhouette and the shading need: the flat floor is one band
-  // (plus a narrow one at its edge, so the cove's slope does not tint the whole floor), the
-  // straight side none at all.
+  // Only the rings that the silhouette and the shading need: the flat floor is one fan, the
+  // cove one band, the rim's rounding two; the points between them only bend the normals.
   const double floorY = kHeight - kRecess;
   add(0, floorY);
-  add(kFloor * 0.85, floorY);
+  add(kFloor * 0.85, floorY, false);
   add(kFloor, floorY);
   // The cove rising from the floor to the rim.
   for (int i = 1; i <= 2; ++i) {
     const double t = static_cast<double>(i) / 2;
-    add(kFloor + (kCrestIn - kFloor) * t, floorY + kRecess * (0.5 - 0.5 * std::cos(M_PI * t)));
+    add(kFloor + (kCrestIn - kFloor) * t, floorY + kRecess * (0.5 - 0.5 * std::cos(M_PI * t)),
+        false);
   }
   add(kCrestOut, kHeight);
   // The rim rounds over into the side: a quarter ellipse.
   const double a = kRadius - kCrestOut, b = kShoulder;
   for (int i = 1; i <= 3; ++i) {
     const double phi = (M_PI / 2) * i / 3;
-    add(kCrestOut + a * std::sin(phi), kHeight - b + b * std::cos(phi));
+    add(kCrestOut + a * std::sin(phi), kHeight - b + b * std::cos(phi), i != 1);
   }
   // The side, downward: straight but for its grooves, each a cosine dip.
   std::vector<double> ys{kHeight - kShoulder, kFoot};
@@ -130,6 +131,7 @@ MeshBuilder discMesh(const std::vector<ProfilePoint>& prof) {
   MeshBuilder mesh;
   std::vector<std::vector<uint32_t>> rings;
   for (const ProfilePoint& p : prof) {
+    if (!p.ring) continue;
     const double rho = kSideRho * p.s / total;
     std::vector<uint32_t> ring;
     for (int j = 0; j < kSegments; ++j) {
