@@ -165,7 +165,8 @@ TEST(MeshTranslate, BakedVerticesAreWhatTheNextFrameDraws) {
 TEST(MeshCulling, BackFacesAreCulled) {
   MeshFixture f;
   XModel quad = quadModel(2, 0, {1, 1, 1, 1, 0, 0, 0, ""});
-  for (const std::vector<int>& face : {std::vector{3, 2, 1, 0}, std::vector{0, 1, 2, 3}}) {
+  for (const std::vector<uint32_t>& face :
+       {std::vector<uint32_t>{3, 2, 1, 0}, std::vector<uint32_t>{0, 1, 2, 3}}) {
     quad.faces = {face};
     f.writeModel("q.x", quad);
     f.state().models.boardMesh.init("models/q.x", "");
