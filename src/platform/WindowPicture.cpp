@@ -4,7 +4,7 @@
 
 #include "ostrel/WindowPicture.h"
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <algorithm>
 

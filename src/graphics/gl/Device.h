@@ -2,7 +2,7 @@
 // The Direct3D 8 device on OpenGL: keeps the fixed-function state as plain data, draws into a
 // framebuffer object (multisampled when asked, resolved at Present) and counts what it sends.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 // The Direct3D object on OpenGL: adapter answers from the platform, and devices.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <algorithm>
 

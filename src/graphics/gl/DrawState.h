@@ -4,7 +4,7 @@
 // function of the fixed-function state, in FixedFunction.h) gives the wanted GlDrawState, and
 // apply() compares it with the cache group by group and calls GL only for what differs.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <array>
 #include <cstdint>

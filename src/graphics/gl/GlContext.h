@@ -3,7 +3,7 @@
 // sampler of stage 0, the cache of GL state and the count of GL calls. Devices, meshes and
 // textures made in that context share it; GL objects are deleted only while the context lives.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <memory>
 #include <string>

@@ -5,7 +5,7 @@
 // version line of its own: the dialect header in front of it makes it desktop GLSL 3.30 or
 // GLSL ES 3.00.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #pragma once
 // Textures, vertex buffers and meshes of the GL device.
 
-#include <epoxy/gl.h>
+#include "graphics/gl/GlApi.h"
 
 #include <cstdint>
 #include <memory>
