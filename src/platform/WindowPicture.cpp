@@ -4,10 +4,9 @@
 
 #include "ostrel/WindowPicture.h"
 
-#include <epoxy/gl.h>
-
 #include <algorithm>
 
+#include "graphics/gl/GlApi.h"
 #include "ostrel/PlatformSupport.h"
 #include "ostrel/ctlBoard.h"
 

@@ -1,13 +1,9 @@
 // Random bytes as a model file and as an image file, loaded through clsMesh on the offscreen
 // device: a load may fail with its message box, but never crashes or leaks.
 
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
+#include <cstdlib>
 #include <memory>
 #include <string>
 
@@ -15,6 +11,8 @@
 #include "graphics/d3d8.h"
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
+#include "support/Sized.h"
+#include "support/TempFolder.h"
 #include "support/XFileSamples.h"
 
 namespace {
@@ -27,20 +25,13 @@ struct QuietPlatform : HeadlessPlatform {
   void MsgBox(const std::string&) override {}
 };
 
-// One platform, device and folder for the whole run.
+// One platform and device for the whole run, in a folder that goes at exit.
 struct Rig {
-  Rig() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "ostrel-fuzz-XXXXXX").string();
-    if (!mkdtemp(pattern.data())) abort();
-    folder = pattern;
-    std::filesystem::create_directories(folder / "models");
-    HeadlessOptions o;
-    o.pixelWidth = 32;
-    o.pixelHeight = 32;
-    platform = std::make_unique<QuietPlatform>(o);
+  explicit Rig(const testing::TempFolder& folder)
+      : folder(folder), platform(std::make_unique<QuietPlatform>(testing::sized(32, 32))) {
     graphics::GraphicsContext& context = graphics::graphicsContext();
     context.platform = platform.get();
-    context.baseDirectory = folder.string();
+    context.baseDirectory = folder.path();
     context.direct3D = graphics::Direct3DCreate(*platform);
     if (!context.direct3D) abort();
     graphics::D3DPRESENT_PARAMETERS& pp = context.presentParameters;
@@ -52,33 +43,22 @@ struct Rig {
         context.direct3D->CreateDevice(0, graphics::D3DDEVTYPE_HAL, platform.get(),
                                        graphics::D3DCREATE_HARDWARE_VERTEXPROCESSING, pp);
     // A good model that names a texture, for the image half.
-    std::ofstream(folder / "models" / "quad.x")
-        << testing::squareModel(testing::XForm::Text, "img.png");
+    folder.write("models/quad.x", testing::squareModel(testing::XForm::Text, "img.png"));
   }
   // Never destroyed: at exit the thread's graphics context goes before function statics do, so
   // the device and platform stay to the end of the process. Only the folder is removed then.
   ~Rig() = delete;
-  std::filesystem::path folder;
+  void write(const std::string& name, const std::string& bytes) {
+    folder.write("models/" + name, bytes);
+  }
+  const testing::TempFolder& folder;
   std::unique_ptr<QuietPlatform> platform;
 };
 
-struct FolderRemover {
-  std::filesystem::path folder;
-  ~FolderRemover() {
-    std::error_code ec;
-    std::filesystem::remove_all(folder, ec);
-  }
-};
-
 Rig& rig() {
-  static Rig* r = new Rig;
-  static FolderRemover remover{r->folder};
+  static const testing::TempFolder folder;
+  static Rig* r = new Rig(folder);
   return *r;
-}
-
-void write(const std::filesystem::path& path, const uint8_t* data, size_t size) {
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
 }
 
 }  // namespace
@@ -91,8 +71,9 @@ extern "C" const char* __lsan_default_suppressions() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Rig& r = rig();
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
   // As a model file.
-  write(r.folder / "models" / "fuzz.x", data, size);
+  r.write("fuzz.x", bytes);
   {
     clsMesh mesh;
     mesh.init("models/fuzz.x", "");
@@ -102,16 +83,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
   }
   // As a text model with the right header, so that the parser itself is reached.
-  std::string text = "xof 0303txt 0032\n";
-  text.append(reinterpret_cast<const char*>(data), size);
-  write(r.folder / "models" / "fuzztext.x", reinterpret_cast<const uint8_t*>(text.data()),
-        text.size());
+  r.write("fuzztext.x", "xof 0303txt 0032\n" + bytes);
   {
     clsMesh mesh;
     mesh.init("models/fuzztext.x", "");
   }
   // As the image of a good model.
-  write(r.folder / "models" / "img.png", data, size);
+  r.write("img.png", bytes);
   {
     clsMesh mesh;
     mesh.init("models/quad.x", "");

@@ -69,11 +69,9 @@ TEST(StateCache, ApplySendsOnlyTheGroupsThatDiffer) {
 // A board of the shipped models with shadows, with or without pieces and markers.
 struct Board : LiveBoard {
   explicit Board(bool full) : LiveBoard(160, 160, 1) {
-    for (int16_t slot = 0; slot < 50 && full; ++slot) {
-      board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
-    }
-    board.drawBoard();
-    if (full) board.setHLfields("21|22|23");
+    if (!full) return;
+    openingPosition(board);
+    board.setHLfields("21|22|23");
   }
   DeviceCounters counted() {
     board.render();

@@ -18,6 +18,7 @@
 #include "ostrel/HeadlessPlatform.h"
 #include "ostrel/ctlBoard.h"
 #include "ostrel/notation.h"
+#include "support/Sized.h"
 
 namespace ostrel::testing {
 namespace {
@@ -45,10 +46,7 @@ std::filesystem::path referencePath(const Shot& shot) {
 
 // The board of the benchmarks: 20 men a side, two kings, 15 field markers, the last-move marker.
 Image render(const Shot& shot) {
-  HeadlessOptions o;
-  o.pixelWidth = shot.width;
-  o.pixelHeight = shot.height;
-  HeadlessPlatform platform(o);
+  HeadlessPlatform platform(sized(shot.width, shot.height));
   platform.useManualClock(100000, 36000.0f);
   ctlBoard board(platform);
   if (!board.init(false, shot.qAA, shot.qShadow).value_or(false)) return {};

@@ -13,6 +13,7 @@
 #include "graphics/GraphicsContext.h"
 #include "ostrel/ostrel.h"
 #include "support/RecordingPlatform.h"
+#include "support/Sized.h"
 #include "support/TempFolder.h"
 
 namespace startup_test {
@@ -40,10 +41,7 @@ struct AssetFolder : ostrel::testing::TempFolder {
 };
 
 inline HeadlessOptions quickOptions(int width = 320, int height = 320) {
-  HeadlessOptions o;
-  o.pixelWidth = width;
-  o.pixelHeight = height;
-  return o;
+  return ostrel::testing::sized(width, height);
 }
 
 // The first n lines of a complete start-up's log on the adapter that o describes, then `last`,

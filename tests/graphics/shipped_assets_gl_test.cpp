@@ -6,6 +6,7 @@
 #include "StartupFixture.h"
 #include "graphics/d3d8.h"
 #include "ostrel/notation.h"
+#include "support/LiveBoard.h"
 
 namespace {
 
@@ -30,8 +31,7 @@ TEST(ShippedAssets, StartingPositionShowsLightAndDarkMenOnTheirFields) {
     Control s(quickOptions(480, 480));
     s.board.viewingDistance(21.5f);
     s.board.rotationHorizontalAxis(elevation);
-    for (int16_t i = 0; i < 50; ++i) s.board.field(i, i < 20 ? 3 : i >= 30 ? 2 : 0);
-    s.board.drawBoard();
+    ostrel::testing::openingPosition(s.board);
     ASSERT_EQ(s.init(), std::optional<bool>(true));
     const Image shot = s.platform.windowImage();
     // Where a field's disc shows: its centre projected with the matrices of the frame.

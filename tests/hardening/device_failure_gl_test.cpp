@@ -9,6 +9,7 @@
 #include "ostrel/ostrel.h"
 #include "support/EventRecorder.h"
 #include "support/HostilePlatform.h"
+#include "support/Sized.h"
 
 namespace ostrel::testing {
 namespace {
@@ -17,15 +18,8 @@ static_assert(std::is_base_of_v<std::runtime_error, DeviceError>);
 
 constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
 
-HeadlessOptions small() {
-  HeadlessOptions o;
-  o.pixelWidth = 80;
-  o.pixelHeight = 60;
-  return o;
-}
-
 TEST(DeviceFailure, DeferredResetOnALostDeviceReachesTheHostByName) {
-  HostilePlatform platform(small());
+  HostilePlatform platform(sized(80, 60));
   platform.useManualClock(1000, 100);
   ctlBoard board(platform);
   ASSERT_EQ(board.init(false, 0, 0), true);
@@ -57,7 +51,7 @@ TEST(DeviceFailure, DeferredResetOnALostDeviceReachesTheHostByName) {
 TEST(DeviceFailure, FrameThatFailsPartWayLeavesTheDeviceUsable) {
   for (int granted : {0, 1, 2, 6}) {
     SCOPED_TRACE(granted);
-    HostilePlatform platform(small());
+    HostilePlatform platform(sized(80, 60));
     platform.useManualClock(1000, 100);
     ctlBoard board(platform);
     EventRecorder events(board);
@@ -97,7 +91,7 @@ TEST(ManualClock, EveryFrameAskedForMovesIt) {
   for (const Case& c : {Case{"before init", false, false, 16}, Case{"own step", false, false, 5},
                         Case{"drawn", true, false, 16}, Case{"lost device", true, true, 16}}) {
     SCOPED_TRACE(c.name);
-    HostilePlatform platform(small());
+    HostilePlatform platform(sized(80, 60));
     ctlBoard board(platform);
     if (c.start) {
       ASSERT_EQ(board.init(false, 0, 0), true);
@@ -115,7 +109,7 @@ TEST(ManualClock, EveryFrameAskedForMovesIt) {
 TEST(ManualClock, PlaybackEndsWhenNothingIsDrawn) {
   for (bool start : {false, true}) {
     SCOPED_TRACE(start ? "lost device" : "before init");
-    HostilePlatform platform(small());
+    HostilePlatform platform(sized(80, 60));
     ctlBoard board(platform);
     if (start) {
       ASSERT_EQ(board.init(false, 0, 0), true);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "ostrel/ostrel.h"
+#include "support/Sized.h"
 
 namespace ostrel::testing {
 namespace {
@@ -15,13 +16,7 @@ struct Host {
   std::unique_ptr<HeadlessPlatform> platform;
   std::unique_ptr<ctlBoard> board;
 
-  Host() : platform(std::make_unique<HeadlessPlatform>(small())), board(make()) {}
-  static HeadlessOptions small() {
-    HeadlessOptions o;
-    o.pixelWidth = 96;
-    o.pixelHeight = 72;
-    return o;
-  }
+  Host() : platform(std::make_unique<HeadlessPlatform>(sized(96, 72))), board(make()) {}
   std::unique_ptr<ctlBoard> make() {
     auto b = std::make_unique<ctlBoard>(*platform);
     platform->useManualClock(1000, 100);

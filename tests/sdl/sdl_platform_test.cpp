@@ -11,6 +11,7 @@
 #include "ostrel/sdl/SdlPlatform.h"
 #include "sdl/SdlTestWindow.h"
 #include "support/LiveBoard.h"
+#include "support/Sized.h"
 
 namespace {
 
@@ -30,10 +31,7 @@ struct Reference {
   ostrel::Image before, shown, framed;
 };
 Reference referencePictures() {
-  ostrel::HeadlessOptions options;
-  options.pixelWidth = 200;
-  options.pixelHeight = 150;
-  ostrel::HeadlessPlatform offscreen(options);
+  ostrel::HeadlessPlatform offscreen(ostrel::testing::sized(200, 150));
   ostrel::ctlBoard board(offscreen);
   Reference pictures;
   pictures.before = offscreen.windowImage();

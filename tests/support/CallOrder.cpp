@@ -8,8 +8,8 @@
 #include <memory>
 #include <random>
 
-#include "graphics/GraphicsContext.h"
-#include "graphics/d3d8.h"
+#include "control/ControlAccess.h"
+#include "interaction/Picking.h"
 #include "ostrel/ostrel.h"
 #include "support/HostilePlatform.h"
 #include "support/HostileValues.h"
@@ -348,22 +348,10 @@ class World : private HostileValues {
   }
 
   // Where the last frame shows a field, in twips; false while there is no device.
-  bool fieldOnScreen(int16_t field, float& x, float& y) {
-    graphics::Direct3DDevice8* device = graphics::graphicsContext().device.get();
-    if (!device || field < 1 || field > 50) return false;
-    graphics::D3DVIEWPORT8 viewport;
-    graphics::D3DMATRIX view, projection, world;
-    device->GetViewport(viewport);
-    device->GetTransform(graphics::D3DTS_VIEW, view);
-    device->GetTransform(graphics::D3DTS_PROJECTION, projection);
-    graphics::D3DXMatrixIdentity(world);
-    float bx = 0, by = 0;
-    fieldToBoard(field, bx, by);
-    D3DVECTOR out{};
-    graphics::D3DXVec3Project(out, D3DVECTOR{bx, 0.2265f, by}, viewport, projection, view, world);
-    x = out.x * 15;
-    y = out.y * 15;
-    return std::isfinite(x) && std::isfinite(y);
+  static bool fieldOnScreen(ctlBoard& board, int16_t field, float& x, float& y) {
+    return field >= 1 && field <= 50 &&
+           interaction::fieldToScreen(controlState(board), field, x, y) && std::isfinite(x) &&
+           std::isfinite(y);
   }
 
   // A listed move carried from its first field to its last, as a user would.
@@ -376,12 +364,10 @@ class World : private HostileValues {
     const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
     const int32_t n = countTokens(move, "-");
     float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
-    if (!fieldOnScreen(tokenValue(getToken(move, "-", 1, 1)), x0, y0) ||
-        !fieldOnScreen(
-            tokenValue(getToken(move, "-", static_cast<int16_t>(n), static_cast<int16_t>(n))), x1,
-            y1)) {
-      return;
-    }
+    const auto ends = [&](int16_t token, float& x, float& y) {
+      return fieldOnScreen(*s.board, tokenValue(getToken(move, "-", token, token)), x, y);
+    };
+    if (!ends(1, x0, y0) || !ends(static_cast<int16_t>(n), x1, y1)) return;
     HostilePlatform& p = *s.platform;
     ctlBoard* b = s.board.get();
     p.advance(20);

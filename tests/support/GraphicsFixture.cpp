@@ -2,69 +2,28 @@
 
 #include <stb_image_write.h>
 
+#include <algorithm>
 #include <cmath>
-#include <sstream>
 
 #include "graphics/GraphicsContext.h"
 
 namespace ostrel::testing {
 
 std::string XModel::text() const {
-  std::ostringstream out;
-  out << std::fixed;  // the reader wants a decimal point in every number of a matrix
-  out << "xof 0303txt 0032\n\n";
-  // A count and the items, separated by commas and closed by a semicolon.
-  const auto list = [&](const auto& items, auto item) {
-    out << items.size() << ";\n";
-    for (size_t i = 0; i < items.size(); ++i) {
-      item(items[i]);
-      out << (i + 1 < items.size() ? ",\n" : ";\n");
-    }
-  };
+  XWriter w(XForm::Text);
   if (!frameMatrix.empty()) {
-    out << "Frame Root {\n FrameTransformMatrix {\n";
-    for (size_t i = 0; i < 16; ++i) out << frameMatrix[i] << (i < 15 ? "," : ";;\n");
-    out << " }\n";
+    w.open("Frame", "Root");
+    std::array<double, 16> m{};
+    std::copy_n(frameMatrix.begin(), m.size(), m.begin());
+    w.transform(m);
   }
-  const auto vector = [&](const auto& v) {
-    for (float c : v) out << c << ";";
-  };
-  const auto faceList = [&] {
-    list(faces, [&](const std::vector<int>& face) {
-      out << face.size() << ";";
-      for (size_t k = 0; k < face.size(); ++k) out << (k ? "," : "") << face[k];
-      out << ";";
-    });
-  };
-  out << "Mesh Model {\n";
-  list(positions, vector);
-  faceList();
-  if (!normals.empty()) {
-    out << "MeshNormals {\n";
-    list(normals, vector);
-    faceList();
-    out << "}\n";
-  }
-  if (!uvs.empty()) {
-    out << "MeshTextureCoords {\n";
-    list(uvs, vector);
-    out << "}\n";
-  }
-  if (!materials.empty()) {
-    out << "MeshMaterialList {\n" << materials.size() << ";\n";
-    list(faceMaterial, [&](int k) { out << k; });
-    for (const XMaterial& m : materials) {
-      out << "Material {\n " << m.r << ";" << m.g << ";" << m.b << ";" << m.a
-          << ";;\n 0.0;\n 0.0;0.0;0.0;;\n " << m.emissiveR << ";" << m.emissiveG << ";"
-          << m.emissiveB << ";;\n";
-      if (!m.texture.empty()) out << " TextureFilename { \"" << m.texture << "\"; }\n";
-      out << "}\n";
-    }
-    out << "}\n";
-  }
-  out << "}\n";
-  if (!frameMatrix.empty()) out << "}\n";
-  return out.str();
+  w.mesh("Model", positions, faces);
+  if (!normals.empty()) w.normals(normals, faces);
+  if (!uvs.empty()) w.textureCoords(uvs);
+  if (!materials.empty()) w.materials(faceMaterial, materials);
+  w.close();
+  if (!frameMatrix.empty()) w.close();
+  return w.bytes();
 }
 
 XModel quadModel(float h, float y, const XMaterial& material) {

@@ -13,24 +13,19 @@
 #include "graphics/d3d8.h"
 #include "ostrel/HeadlessPlatform.h"
 #include "support/TempFolder.h"
+#include "support/XFileSamples.h"
 
 namespace ostrel::testing {
 
-struct XMaterial {
-  float r = 1, g = 1, b = 1, a = 1;
-  float emissiveR = 0, emissiveG = 0, emissiveB = 0;
-  std::string texture;  // empty: no TextureFilename
-};
-
 // A model in the text .x form: one Mesh, optionally inside a Frame with a transform.
 struct XModel {
-  std::vector<std::array<float, 3>> positions;
-  std::vector<std::vector<int>> faces;
-  std::vector<std::array<float, 3>> normals;  // per vertex, faces index them alike; empty: none
-  std::vector<std::array<float, 2>> uvs;      // per vertex; empty: none
-  std::vector<XMaterial> materials;           // empty: no material list
-  std::vector<int> faceMaterial;              // one per face
-  std::vector<float> frameMatrix;             // 16 values, row-vector form; empty: no frame
+  std::vector<std::array<double, 3>> positions;
+  std::vector<std::vector<uint32_t>> faces;
+  std::vector<std::array<double, 3>> normals;  // per vertex, faces index them alike; empty: none
+  std::vector<std::array<double, 2>> uvs;      // per vertex; empty: none
+  std::vector<XMaterial> materials;            // empty: no material list
+  std::vector<uint32_t> faceMaterial;          // one per face
+  std::vector<double> frameMatrix;             // 16 values, row-vector form; empty: no frame
   std::string text() const;
 };
 

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "support/Sized.h"
+
 namespace ostrel::testing {
 
 bool Blob::contains(double px, double py) const {
@@ -29,13 +31,7 @@ Blob changed(const Image& before, const Image& after) {
 }
 
 LiveBoard::LiveBoard(int width, int height, int32_t qShadow)
-    : platform([&] {
-        HeadlessOptions o;
-        o.pixelWidth = width;
-        o.pixelHeight = height;
-        return o;
-      }()),
-      board(platform) {
+    : platform(sized(width, height)), board(platform) {
   platform.useManualClock(100000, 36000);
   started = board.init(false, 0, qShadow).value_or(false);
   events.lines.clear();

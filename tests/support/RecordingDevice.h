@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstring>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -85,7 +84,6 @@ class RecordingDevice : public graphics::Direct3DDevice8 {
   std::vector<std::string> calls;  // Clear, BeginScene, Draw, EndScene, Present, Reset
   std::vector<RecordedDraw> draws;
   int32_t cooperativeLevel = graphics::D3D_OK;  // what TestCooperativeLevel answers
-  std::function<void()> onPresent;              // e.g. moves a manual clock on
 
   void record(const graphics::Mesh* mesh, uint32_t subset) {
     calls.push_back("Draw");
@@ -116,7 +114,6 @@ class RecordingDevice : public graphics::Direct3DDevice8 {
   void Present(const graphics::D3DRECT*, const graphics::D3DRECT*, uintptr_t,
                const void*) override {
     calls.push_back("Present");
-    if (onPresent) onPresent();
   }
 
   void SetRenderState(uint32_t state, uint32_t value) override { renderStates_[state] = value; }

@@ -16,7 +16,6 @@ using Faces = std::vector<std::vector<uint32_t>>;
 const Positions kSquare = {{-1, 0, -1}, {-1, 0, 1}, {1, 0, 1}, {1, 0, -1}};
 const Faces kQuad = {{0, 1, 2, 3}};
 const std::vector<std::array<double, 2>> kCorners = {{0, 1}, {0, 0}, {1, 0}, {1, 1}};
-const std::array<double, 4> kWhite = {1, 1, 1, 1};
 
 std::string real(double v) {
   char s[32];
@@ -41,7 +40,7 @@ void square(XWriter& w, const std::string& texture, const Positions& at = kSquar
   w.mesh("Square", at, kQuad);
   w.normals({{0, 1, 0}}, {{0, 0, 0, 0}});
   w.textureCoords(kCorners);
-  w.materials({0}, {{kWhite, texture}});
+  w.materials({0}, {XMaterial{.texture = texture}});
 }
 
 }  // namespace
@@ -199,7 +198,7 @@ void XWriter::vertexColours(const std::vector<std::array<double, 4>>& rgba) {
 }
 
 void XWriter::materials(const std::vector<uint32_t>& faceMaterials,
-                        const std::vector<std::pair<std::array<double, 4>, std::string>>& list) {
+                        const std::vector<XMaterial>& list) {
   open("MeshMaterialList");
   std::vector<uint32_t> head = {static_cast<uint32_t>(list.size()),
                                 static_cast<uint32_t>(faceMaterials.size())};
@@ -212,19 +211,19 @@ void XWriter::materials(const std::vector<uint32_t>& faceMaterials,
       body_ += std::to_string(faceMaterials[k]) + (k + 1 < faceMaterials.size() ? ",\n" : ";;\n");
     }
   }
-  for (const auto& [colour, texture] : list) {
+  for (const XMaterial& m : list) {
     open("Material");
     if (binary()) {
-      reals({colour[0], colour[1], colour[2], colour[3], 5, 0, 0, 0, 0, 0, 0});
+      reals({m.r, m.g, m.b, m.a, 5, 0, 0, 0, m.emissiveR, m.emissiveG, m.emissiveB});
     } else {
-      reals({colour[0], colour[1], colour[2], colour[3]});
+      reals({m.r, m.g, m.b, m.a});
       body_ += "5.000000;\n";
       reals({0, 0, 0});
-      reals({0, 0, 0});
+      reals({m.emissiveR, m.emissiveG, m.emissiveB});
     }
-    if (!texture.empty()) {
+    if (!m.texture.empty()) {
       open("TextureFilename");
-      string(texture);
+      string(m.texture);
       close();
     }
     close();
@@ -371,7 +370,7 @@ std::vector<XSample> xSamples() {
     w.mesh("Coloured", kSquare, kQuad);
     w.normals({{0, 1, 0}}, {{0, 0, 0, 0}});
     w.vertexColours({{1, 0, 0, 1}, {1, 0, 0, 1}, {1, 0, 0, 1}, {1, 0, 0, 1}});
-    w.materials({0}, {{kWhite, ""}});
+    w.materials({0}, {XMaterial{}});
     w.close();
     samples.push_back({"colours.x", w.bytes(), ""});
   }

@@ -12,6 +12,12 @@ namespace ostrel::testing {
 
 enum class XForm { Text, Binary32, Binary64, TextZip, BinaryZip };
 
+struct XMaterial {
+  float r = 1, g = 1, b = 1, a = 1;
+  float emissiveR = 0, emissiveG = 0, emissiveB = 0;
+  std::string texture;  // empty: no TextureFilename
+};
+
 // Writes objects in one form; text and binary get the same calls.
 class XWriter {
  public:
@@ -32,9 +38,8 @@ class XWriter {
                const std::vector<std::vector<uint32_t>>& faces);
   void textureCoords(const std::vector<std::array<double, 2>>& uvs);
   void vertexColours(const std::vector<std::array<double, 4>>& rgba);
-  // One material per entry: RGBA and texture name (empty: none).
   void materials(const std::vector<uint32_t>& faceMaterials,
-                 const std::vector<std::pair<std::array<double, 4>, std::string>>& materials);
+                 const std::vector<XMaterial>& materials);
   void transform(const std::array<double, 16>& matrix);
   void skinWeights(const std::string& bone, const std::vector<uint32_t>& vertices,
                    const std::vector<double>& weights);

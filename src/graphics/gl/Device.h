@@ -2,12 +2,11 @@
 // The Direct3D 8 device on OpenGL: keeps the fixed-function state as plain data, draws into a
 // framebuffer object (multisampled when asked, resolved at Present) and counts what it sends.
 
-#include <epoxy/gl.h>
-
 #include <memory>
 
 #include "graphics/d3d8.h"
 #include "graphics/gl/FixedFunction.h"
+#include "graphics/gl/GlApi.h"
 #include "graphics/gl/GlContext.h"
 #include "graphics/gl/Probes.h"
 

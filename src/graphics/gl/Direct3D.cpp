@@ -1,11 +1,10 @@
 // The Direct3D object on OpenGL: adapter answers from the platform, and devices.
 
-#include <epoxy/gl.h>
-
 #include <algorithm>
 
 #include "graphics/d3d8.h"
 #include "graphics/gl/Device.h"
+#include "graphics/gl/GlApi.h"
 #include "graphics/gl/GlContext.h"
 #include "graphics/gl/Probes.h"
 

@@ -4,12 +4,11 @@
 // function of the fixed-function state, in FixedFunction.h) gives the wanted GlDrawState, and
 // apply() compares it with the cache group by group and calls GL only for what differs.
 
-#include <epoxy/gl.h>
-
 #include <array>
 #include <cstdint>
 
 #include "graphics/d3d8.h"
+#include "graphics/gl/GlApi.h"
 #include "graphics/gl/Programs.h"
 
 namespace ostrel::graphics::gl {

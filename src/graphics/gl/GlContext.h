@@ -3,13 +3,12 @@
 // sampler of stage 0, the cache of GL state and the count of GL calls. Devices, meshes and
 // textures made in that context share it; GL objects are deleted only while the context lives.
 
-#include <epoxy/gl.h>
-
 #include <memory>
 #include <string>
 
 #include "graphics/d3d8.h"
 #include "graphics/gl/DrawState.h"
+#include "graphics/gl/GlApi.h"
 #include "graphics/gl/Programs.h"
 #include "ostrel/Platform.h"
 

@@ -5,14 +5,13 @@
 // version line of its own: the dialect header in front of it makes it desktop GLSL 3.30 or
 // GLSL ES 3.00.
 
-#include <epoxy/gl.h>
-
 #include <array>
 #include <cstdint>
 #include <map>
 #include <string>
 
 #include "graphics/d3d8.h"
+#include "graphics/gl/GlApi.h"
 
 namespace ostrel::graphics::gl {
 

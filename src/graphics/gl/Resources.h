@@ -1,13 +1,12 @@
 #pragma once
 // Textures, vertex buffers and meshes of the GL device.
 
-#include <epoxy/gl.h>
-
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "graphics/d3d8.h"
+#include "graphics/gl/GlApi.h"
 #include "graphics/gl/GlContext.h"
 
 namespace ostrel::graphics::gl {

@@ -1,7 +1,9 @@
 #pragma once
-// Stands in for libepoxy's <epoxy/gl.h> when the library is built for WebGL 2: the entry points
-// come straight from OpenGL ES 3.0, and the few desktop calls the device makes get their ES
-// counterparts here.
+// The OpenGL entry points the device layer calls. On the desktop they come from libepoxy; a build
+// for WebGL 2 (OSTREL_GL_ES) takes them straight from OpenGL ES 3.0 and gives the few desktop
+// calls the device makes their ES counterparts here.
+
+#ifdef OSTREL_GL_ES
 
 #include <GLES3/gl3.h>
 
@@ -28,4 +30,10 @@ inline void glPolygonMode(GLenum, GLenum) {}
 
 #ifndef GL_BGRA
 #define GL_BGRA 0x80E1
+#endif
+
+#else
+
+#include <epoxy/gl.h>
+
 #endif
