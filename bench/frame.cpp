@@ -131,14 +131,15 @@ void BM_FullOverEmpty(benchmark::State& state) {
     sent = graphics::graphicsContext().device->GetFrameCounters();
     state.SetIterationTime(spent / 8 / 1000.0);
   }
+  auto ratio = [](double a, double b) { return b > 0 ? a / b : 0; };
   const double f = median(full), e = median(empty);
   state.counters["full_ms"] = f;
   state.counters["empty_ms"] = e;
-  state.counters["full/empty"] = e > 0 ? f / e : 0;
+  state.counters["full/empty"] = ratio(f, e);
   const double frames = 8.0 * static_cast<double>(state.iterations());
   state.counters["cpu_full_ms"] = cpuFull / frames;
   state.counters["cpu_empty_ms"] = cpuEmpty / frames;
-  state.counters["cpu full/empty"] = cpuEmpty > 0 ? cpuFull / cpuEmpty : 0;
+  state.counters["cpu full/empty"] = ratio(cpuFull, cpuEmpty);
   state.counters["draws"] = sent.drawCalls;
   state.counters["programs"] = sent.programChanges;
   state.counters["states"] = sent.stateChanges;
@@ -151,8 +152,7 @@ void BM_FullOverEmpty(benchmark::State& state) {
   state.counters["prims_full"] = fullStats.primitives;
   state.counters["samples_empty"] = emptyStats.samples;
   state.counters["samples_full"] = fullStats.samples;
-  state.counters["samples full/empty"] =
-      emptyStats.samples > 0 ? fullStats.samples / emptyStats.samples : 0;
+  state.counters["samples full/empty"] = ratio(fullStats.samples, emptyStats.samples);
   state.SetLabel(std::to_string(state.range(0)) + "x" + std::to_string(state.range(1)) +
                  (state.range(2) ? " 4xMSAA" : ""));
 }
