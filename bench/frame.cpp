@@ -146,12 +146,12 @@ void BM_FullOverEmpty(benchmark::State& state) {
   state.counters["uniforms"] = sent.uniformUploads;
   state.counters["buffers"] = sent.bufferUploads;
   state.counters["gl_calls"] = sent.glCalls;
-  state.counters["fs_empty"] = emptyStats.fragments;
-  state.counters["fs_full"] = fullStats.fragments;
-  state.counters["prims_empty"] = emptyStats.primitives;
-  state.counters["prims_full"] = fullStats.primitives;
-  state.counters["samples_empty"] = emptyStats.samples;
-  state.counters["samples_full"] = fullStats.samples;
+  for (const auto& [name, member] : {std::pair{"fs", &FrameStatistics::fragments},
+                                     {"prims", &FrameStatistics::primitives},
+                                     {"samples", &FrameStatistics::samples}}) {
+    state.counters[std::string(name) + "_empty"] = emptyStats.*member;
+    state.counters[std::string(name) + "_full"] = fullStats.*member;
+  }
   state.counters["samples full/empty"] = ratio(fullStats.samples, emptyStats.samples);
   state.SetLabel(std::to_string(state.range(0)) + "x" + std::to_string(state.range(1)) +
                  (state.range(2) ? " 4xMSAA" : ""));

@@ -77,7 +77,7 @@ class GlDirect3D8 final : public Direct3D8 {
 std::shared_ptr<Direct3D8> Direct3DCreate(Platform& platform) {
   if (!adapterOf(platform).direct3DAvailable) return nullptr;
   if (!platform.surface().makeContextCurrent()) return nullptr;
-  if (epoxy_gl_version() < 33) return nullptr;
+  if (glVersion() < 33) return nullptr;
   return std::make_shared<GlDirect3D8>(platform);
 }
 

@@ -8,7 +8,7 @@
 #include <GLES3/gl3.h>
 
 // The device asks for OpenGL 3.3; a WebGL 2 context offers all that the device uses of it.
-inline int epoxy_gl_version() {
+inline int glVersion() {
   return 33;
 }
 
@@ -35,5 +35,10 @@ inline void glPolygonMode(GLenum, GLenum) {}
 #else
 
 #include <epoxy/gl.h>
+
+// The current context's version, 33 for OpenGL 3.3.
+inline int glVersion() {
+  return epoxy_gl_version();
+}
 
 #endif
