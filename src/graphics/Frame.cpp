@@ -22,38 +22,40 @@ void drawAt(clsMesh& mesh, const cls3DobjectInfo& object) {
   mesh.render();
 }
 
-// The four passes, between BeginScene and EndScene.
+// The four passes, between BeginScene and EndScene. The opaque pieces go first: the board,
+// markers and shadows then fail the depth test under them and are never shaded there, which
+// the software rasteriser would otherwise do for every covered pixel. Each pass leaves the
+// same pixels as it would in the order board, markers, shadows, pieces, but where a piece and
+// the surface meet at the same depth (the last pass drawn wins those).
 void drawScene(ControlState& s, Direct3DDevice8& d) {
   ModelSet& m = s.models;
 
-  // Board: opaque.
+  // Pieces: opaque, with the stage state the blended passes leave.
   d.SetRenderState(D3DRS_ALPHABLENDENABLE, 0);
+  d.SetTextureStageState(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE);
+  for (size_t i = 0; i < kDrawnPieces; ++i) {
+    const cls3DobjectInfo& piece = s.scene.pieceObject[i];
+    clsMesh& mesh = m.pieceMesh[i < kFirstBlackObject ? 0 : 1];
+    if (piece.visible) drawAt(mesh, piece);
+  }
+
+  // Board: opaque.
   m.boardMesh.render();
 
   // Markers: source x source alpha + destination x destination.
   d.SetRenderState(D3DRS_SRCBLEND, D3DBLEND_SRCALPHA);
   d.SetRenderState(D3DRS_DESTBLEND, D3DBLEND_DESTCOLOR);
-  d.SetTextureStageState(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE);
   d.SetRenderState(D3DRS_ALPHABLENDENABLE, 1);
   for (size_t i = 0; i <= kLastMoveMarker; ++i) m.markerMesh[i].render();
 
   // Shadows: destination x source colour.
   d.SetRenderState(D3DRS_SRCBLEND, D3DBLEND_ZERO);
   d.SetRenderState(D3DRS_DESTBLEND, D3DBLEND_SRCCOLOR);
-  d.SetTextureStageState(0, D3DTSS_ALPHAARG1, D3DTA_DIFFUSE);
   if (s.qShadow == 1) {
     for (size_t i = 0; i < kDrawnShadows; ++i) {
       const cls3DobjectInfo& shadow = s.scene.shadowObject[i];
       if (shadow.visible) drawAt(m.shadowMesh, shadow);
     }
-  }
-
-  // Pieces: opaque.
-  d.SetRenderState(D3DRS_ALPHABLENDENABLE, 0);
-  for (size_t i = 0; i < kDrawnPieces; ++i) {
-    const cls3DobjectInfo& piece = s.scene.pieceObject[i];
-    clsMesh& mesh = m.pieceMesh[i < kFirstBlackObject ? 0 : 1];
-    if (piece.visible) drawAt(mesh, piece);
   }
 }
 
