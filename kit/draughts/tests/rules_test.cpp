@@ -164,17 +164,14 @@ TEST(Matching, NamesOneMoveOrSaysWhyNot) {
   } cases[] = {
       {kStart, "32-28", "32-28", 1, ""},
       {kStart, " 32 - 28 ", "32-28", 1, ""},
-      {kStart, "32:28", "32-28", 1, ""},
       {kStart, "32-26", "", 0, "is not a legal move"},
       {kStart, "32-", "", 0, "is not a move"},
       {kStart, "32", "", 0, "is not a move"},
       {kStart, "51-46", "", 0, "is not a move"},
       {kStart, "32-28!", "", 0, "is not a move"},
       {kTwoTaken, "32x12", "32x21x12", 1, ""},
-      {kTwoTaken, "32X21x12", "32x21x12", 1, ""},
       {kTwoTaken, "32x21", "", 0, "is not a legal move"},
       {kTwoTaken, "45x34", "", 0, "is not a legal move"},
-      {kTwoWays, "14x2", "", 2, "is ambiguous"},
       {kTwoWays, "14x28x11x2", "14x28x11x2", 1, ""},
       {kTwoWays, "14x32x2", "14x32x16x2", 1, ""},
       {kTwoWays, "14x2 (21)", "14x32x16x2", 1, ""},
@@ -182,7 +179,6 @@ TEST(Matching, NamesOneMoveOrSaysWhyNot) {
       {kTwoWays, "14x2 (17, 23)", "14x28x11x2", 1, ""},
       {kTwoWays, "14x2 (33)", "", 0, "is not a legal move"},
       {kTwoWays, "14x2 (", "", 0, "is not a move"},
-      {kFourteen, "24x35", "24x15x4x13x27x16x7x40x49x27x36x47x38x24x35", 1, ""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.written);
