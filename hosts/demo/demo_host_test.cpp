@@ -1,7 +1,7 @@
 // The demo host on the real offscreen control: the headless game's pictures and the control's
-// fields after every ply, the user's drag through the control's own gestures and the reply, the
-// review of a PDN game (arrow keys, playing on, choosing between captures that end alike, the
-// headless replay) and the command line.
+// fields after every ply, the review of a PDN game (arrow keys, playing on with a drag through the
+// control's own gestures and the reply, choosing between captures that end alike, the headless
+// replay) and the command line.
 
 #include <gtest/gtest.h>
 #include <stb_image.h>
@@ -37,6 +37,14 @@ void expectBoardShows(const ostrel::ctlBoard& board, const Position& position) {
     const ostrel::cls3DobjectInfo& disc = board.scene().pieceObject[static_cast<size_t>(piece)];
     EXPECT_NEAR(disc.posX(), x, 1e-4) << "field " << slot + 1;
     EXPECT_NEAR(disc.posZ(), y, 1e-4) << "field " << slot + 1;
+  }
+}
+
+// The control offers the game's legal moves to drag, in the control's own notation.
+void expectOffered(const ostrel::ctlBoard& board, const DemoGame& game) {
+  ASSERT_EQ(board.moves().moveCount, static_cast<int16_t>(game.game().moves().size()));
+  for (size_t i = 0; i < game.game().moves().size(); ++i) {
+    EXPECT_EQ(board.moves().moveList[i], controlText(game.game().moves()[i]));
   }
 }
 
@@ -110,30 +118,6 @@ TEST(DemoHost, HeadlessGameWritesEveryPlyAndTheControlFollowsTheGame) {
   EXPECT_FALSE(std::filesystem::exists(demo::plyFile(run.out, 4))) << "none beyond the plies";
 }
 
-TEST_F(DemoOnBoard, TheUsersDragIsPlayedAndAnsweredAndTheNextMovesOffered) {
-  game.startAtRest();
-  ASSERT_EQ(game.phase(), DemoGame::Phase::UserToMove);
-  ASSERT_EQ(live.board.moves().moveCount, static_cast<int16_t>(game.game().moves().size()));
-  for (size_t i = 0; i < game.game().moves().size(); ++i) {
-    EXPECT_EQ(live.board.moves().moveList[i], controlText(game.game().moves()[i]));
-  }
-
-  drag(live.pieceBlob(32), live.fieldBlob(28));
-  EXPECT_EQ(shortText(game.lastMove()), "32-28");
-  EXPECT_EQ(game.phase(), DemoGame::Phase::OpponentToMove);
-  EXPECT_EQ(live.board.moves().moveCount, 0) << "no drag while the opponent thinks";
-  EXPECT_EQ(game.game().position().toMove, demo::Side::Black);
-  expectBoardShows(live.board, game.game().position());
-
-  game.playOpponent();
-  // A reply that offers a capture may leave the user one move only; the host plays that itself.
-  EXPECT_TRUE(game.phase() == DemoGame::Phase::UserToMove ||
-              game.phase() == DemoGame::Phase::UserOnlyMove);
-  EXPECT_EQ(game.game().position().toMove, demo::Side::White);
-  expectBoardShows(live.board, game.game().position());
-  EXPECT_EQ(live.board.moves().moveCount, static_cast<int16_t>(game.game().moves().size()));
-}
-
 TEST(DemoReview, LoadsAGameOfAFileOrSaysWhyNot) {
   const demo::Review review = study();
   EXPECT_EQ(review.players, "Study - Solver");
@@ -158,7 +142,7 @@ TEST_F(DemoOnBoard, ArrowsStepThroughTheGameAndADragPlaysOn) {
   EXPECT_EQ(game.phase(), DemoGame::Phase::Reviewing);
   expectBoardShows(live.board, review.start);
   // The side to move's moves are offered at every ply.
-  EXPECT_EQ(live.board.moves().moveCount, 2);
+  expectOffered(live.board, game);
 
   Position expected = review.start;
   for (size_t ply = 0; ply < 3; ++ply) {
@@ -194,10 +178,16 @@ TEST_F(DemoOnBoard, ArrowsStepThroughTheGameAndADragPlaysOn) {
   EXPECT_TRUE(game.lastMove().sameMove(chosen));
   EXPECT_EQ(game.line().size(), 3u) << "the rest of the recorded game is dropped";
   EXPECT_EQ(game.phase(), DemoGame::Phase::OpponentToMove);
+  EXPECT_EQ(live.board.moves().moveCount, 0) << "no drag while the opponent thinks";
+  expectBoardShows(live.board, game.game().position());
   game.playOpponent();
   EXPECT_EQ(game.game().ply(), 4u);
+  // A reply that offers a capture may leave the user one move only; the host plays that itself.
+  EXPECT_TRUE(game.phase() == DemoGame::Phase::UserToMove ||
+              game.phase() == DemoGame::Phase::UserOnlyMove);
   EXPECT_EQ(game.game().position().toMove, Side::White);
   expectBoardShows(live.board, game.game().position());
+  expectOffered(live.board, game);
 }
 
 TEST_F(DemoOnBoard, ADropThatFitsTwoCapturesIsChosenByAClickOrGivenUp) {
