@@ -113,11 +113,6 @@ TEST(RenderArguments, DefaultsAndEveryOption) {
   EXPECT_FALSE(o->shadows);
   EXPECT_EQ(o->out, "x.png");
   EXPECT_EQ(at(o->position, 46), kWhiteKing);
-
-  auto wide = render::parseArguments({"--width", "400", "--height", "200"}, error);
-  ASSERT_TRUE(wide) << error;
-  EXPECT_EQ(wide->width, 400);
-  EXPECT_EQ(wide->height, 200);
 }
 
 TEST(RenderArguments, BadArgumentsAreNamed) {
