@@ -166,17 +166,14 @@ TEST_F(RenderProgram, AlsoWritesTheMetafileUnderTheNameAsGiven) {
   EXPECT_NE(read("err.txt").find("x.emf"), std::string::npos);
 }
 
-// Model files of every form load through the program; a broken marker model, loaded by fifteen
-// marker meshes, gives its message and its cause once.
-TEST_F(RenderProgram, ModelFilesOfEveryFormAndTheCauseOfARefusal) {
+// A model folder of the user's: its models load; a broken marker model, loaded by fifteen marker
+// meshes, gives its message and its cause once.
+TEST_F(RenderProgram, AModelFolderAndTheCauseOfARefusal) {
   const std::filesystem::path models = dir_ / "models";
   std::filesystem::copy(OSTREL_SHIPPED_MODELS, models);
   const std::string args =
       "--size 48 --aa 0 --models " + dir_.string() + " --out " + (dir_ / "x.png").string();
-  for (const ostrel::testing::XSample& sample : ostrel::testing::xSamples()) {
-    std::ofstream(models / "white.x", std::ios::binary) << sample.bytes;
-    EXPECT_EQ(run(args), 0) << sample.name << ": " << read("err.txt");
-  }
+  EXPECT_EQ(run(args), 0) << read("err.txt");
   std::string broken = ostrel::testing::squareModel(ostrel::testing::XForm::Text, "hl2.png");
   broken.replace(broken.find("4;0,1,2,3;"), 10, "4;0,1,2,7;");
   std::ofstream(models / "hl2.x", std::ios::binary) << broken;
