@@ -133,7 +133,7 @@ TEST(Pdn, GamesEndAtTheNextTagsAndAFaultStaysInItsGame) {
   ASSERT_EQ(file.games.size(), 2u);
   EXPECT_EQ(file.games[0].moves.size(), 2u);
   EXPECT_EQ(file.games[0].result, "1-1");  // from the tag
-  EXPECT_EQ(file.games[1].moves.size(), 1u);
+  ASSERT_EQ(file.games[1].moves.size(), 1u);
   EXPECT_EQ(file.games[1].moves[0].comment, "no result token");
   EXPECT_EQ(file.games[1].result, "");
 

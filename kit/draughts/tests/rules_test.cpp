@@ -148,6 +148,7 @@ TEST(MoveText, FormsOfAPlainMoveAndACapture) {
   EXPECT_EQ(moveText(moves[0], moves), "32x12");
 }
 
+// Every move of the PDN files is matched too; here are the forms and faults they do not hold.
 TEST(Matching, NamesOneMoveOrSaysWhyNot) {
   constexpr const char* kStart = "W:W31-50:B1-20";
   constexpr const char* kTwoTaken = "W:W32,45:B27,17,40";
@@ -158,17 +159,12 @@ TEST(Matching, NamesOneMoveOrSaysWhyNot) {
     size_t fits;        // how many legal moves fit it
     const char* error;  // part of the message when none is chosen
   } cases[] = {
-      {kStart, "32-28", "32-28", 1, ""},
       {kStart, " 32 - 28 ", "32-28", 1, ""},
-      {kStart, "32-26", "", 0, "is not a legal move"},
       {kStart, "32-", "", 0, "is not a move"},
       {kStart, "32", "", 0, "is not a move"},
       {kStart, "51-46", "", 0, "is not a move"},
       {kStart, "32-28!", "", 0, "is not a move"},
-      {kTwoTaken, "32x12", "32x21x12", 1, ""},
       {kTwoTaken, "32x21", "", 0, "is not a legal move"},
-      {kTwoTaken, "45x34", "", 0, "is not a legal move"},
-      {kTwoWays, "14x28x11x2", "14x28x11x2", 1, ""},
       {kTwoWays, "14x32x2", "14x32x16x2", 1, ""},
       {kTwoWays, "14x2 (21)", "14x32x16x2", 1, ""},
       {kTwoWays, "14x2 (7, 23)", "", 2, "is ambiguous"},
