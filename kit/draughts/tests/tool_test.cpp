@@ -69,7 +69,6 @@ TEST(Tool, WrongInputSaysWhatAndFails) {
       {{}, 2, "usage"},
       {{"perft"}, 2, "usage"},
       {{"perft", "0"}, 2, "depth"},
-      {{"perft", "x"}, 2, "depth"},
       {{"perft", "2", "W:W51"}, 1, "column 4"},
       {{"check", pdn("none.pdn")}, 1, "cannot open"},
       {{"fen", pdn("games.pdn"), "9", "0"}, 1, "has 8 games"},
