@@ -57,6 +57,7 @@ TEST(Tool, FenAfterAPly) {
   const Ran ran = runTool({"fen", pdn("games.pdn"), "3", "1"});
   EXPECT_EQ(ran.status, 0);
   EXPECT_EQ(ran.out, "B:WK2:B17,33\n");
+  EXPECT_EQ(runTool({"fen", pdn("games.pdn"), "3", "8"}).status, 0) << "the last ply";
 }
 
 TEST(Tool, WrongInputSaysWhatAndFails) {
