@@ -20,10 +20,6 @@ using render::kBlackMan;
 using render::kWhiteKing;
 using render::kWhiteMan;
 
-int16_t at(const render::Position& p, int field) {
-  return p[static_cast<size_t>(field - 1)];
-}
-
 // A position with the given ranges of fields holding a code, every other field empty.
 render::Position with(std::initializer_list<std::tuple<int, int, int16_t>> ranges) {
   render::Position p{};
@@ -36,7 +32,6 @@ TEST(RenderPosition, ReadsKingsListsRangesWrappersAndBlanks) {
   const render::Position start = with({{1, 20, kBlackMan}, {31, 50, kWhiteMan}});
   EXPECT_EQ(render::startingPosition(), start);
   const std::pair<const char*, render::Position> cases[] = {
-      {"W:W31-50:B1-20", start},
       {"B:WK46,31-35:B1-5,K12,K 13",
        with({{46, 46, kWhiteKing}, {31, 35, kWhiteMan}, {1, 5, kBlackMan}, {12, 13, kBlackKing}})},
       {" [FEN \"W:W31-50:B1-20.\"] ", start},
@@ -109,7 +104,7 @@ TEST(RenderArguments, DefaultsAndEveryOption) {
   EXPECT_EQ(o->marks, "7|12");
   EXPECT_EQ(o->antiAliasing, 0);
   EXPECT_FALSE(o->shadows);
-  EXPECT_EQ(at(o->position, 46), kWhiteKing);
+  EXPECT_EQ(o->position[46 - 1], kWhiteKing);
 }
 
 TEST(RenderArguments, BadArgumentsAreNamed) {
