@@ -74,24 +74,6 @@ TEST(ModelFiles, EveryShapeLoadsAsPieceBoardAndMarkerAndDraws) {
   }
 }
 
-TEST(ModelFiles, TheFramesOfSeveralMeshesAreBakedIn) {
-  ModelFiles f;
-  for (const XSample& s : xSamples()) {
-    if (s.name == "frames.x") f.writeFile(s.name, s.bytes);
-  }
-  f.writeFile("wood.png", solidPng(255, 0, 0));
-  clsMesh& board = f.state().models.boardMesh;
-  board.init("models/frames.x", "");
-  ASSERT_TRUE(board.visible);
-  // Two halves, 1 wide each, moved by +0.5 and by +0.5 - 1: together the whole square.
-  const std::vector<float> v = GraphicsFixture::vertices(*board.mesh());
-  float low = 9, high = -9;
-  for (size_t i = 0; i < v.size(); i += 8) low = std::min(low, v[i]), high = std::max(high, v[i]);
-  EXPECT_FLOAT_EQ(low, -1.0f);
-  EXPECT_FLOAT_EQ(high, 1.0f);
-  EXPECT_EQ(board.materialCount(), 2);
-}
-
 TEST(ModelFiles, CompressedFilesOfManyBlocksInflateAsTheReaderDoes) {
   // A grid of quads whose text runs over several 32 KB blocks.
   for (XForm form : {XForm::TextZip, XForm::BinaryZip}) {
