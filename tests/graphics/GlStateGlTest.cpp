@@ -107,6 +107,10 @@ TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
   EXPECT_LE(second.uniformUploads, second.drawCalls + 16);
   EXPECT_EQ(second.bufferUploads, 0u);
   EXPECT_TRUE(same(second, third));
+  EXPECT_GT(second.stateChanges, 0u);
+  EXPECT_GE(second.glCalls, second.drawCalls + second.programChanges + second.stateChanges +
+                                second.uniformUploads + second.bufferUploads)
+      << "every kind is a GL call";
   // Taking a piece away takes its draws, and sends no vertices.
   full.board.field(0, 0);
   full.board.drawBoard();
@@ -116,15 +120,6 @@ TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
   ASSERT_TRUE(piece.hasMesh());
   EXPECT_LE(moved.drawCalls + piece.mesh()->GetNumSubsets(), second.drawCalls);
   EXPECT_EQ(moved.bufferUploads, 0u);
-}
-
-TEST(FrameCounters, GlCallsCoverEveryKind) {
-  Board full(true);
-  ASSERT_TRUE(full.started);
-  const DeviceCounters c = full.counted();
-  EXPECT_GE(c.glCalls,
-            c.drawCalls + c.programChanges + c.stateChanges + c.uniformUploads + c.bufferUploads);
-  EXPECT_GT(c.stateChanges, 0u);
 }
 
 TEST(Shaders, EveryVariantOfAFrameCompilesAsGlslEs) {
@@ -148,8 +143,6 @@ TEST(Shaders, EveryVariantOfAFrameCompilesAsGlslEs) {
     for (gl::GlslDialect dialect : {gl::GlslDialect::Desktop330, gl::GlslDialect::Es300}) {
       const std::string vs = gl::shaderSource(dialect, GL_VERTEX_SHADER, key);
       const std::string fs = gl::shaderSource(dialect, GL_FRAGMENT_SHADER, key);
-      EXPECT_EQ(vs.rfind(dialect == gl::GlslDialect::Es300 ? "#version 300 es" : "#version 330", 0),
-                0u);
       GLuint program = 0;
       EXPECT_NO_THROW(program = gl::linkProgram(vs, fs)) << fs;
       glDeleteProgram(program);
