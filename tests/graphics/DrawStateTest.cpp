@@ -39,13 +39,6 @@ TEST(Translate, FixedFunctionStatesBecomeTheirGlCounterparts) {
        [](const GlDrawState& d) {
          return d.blend.enabled && d.blend.src == GL_SRC_ALPHA && d.blend.dst == GL_DST_COLOR;
        }},
-      {"shadow blend: ZERO, SRCCOLOR",
-       [](gl::FixedFunctionState& s) {
-         s.renderState[D3DRS_ALPHABLENDENABLE] = 1;
-         s.renderState[D3DRS_SRCBLEND] = D3DBLEND_ZERO;
-         s.renderState[D3DRS_DESTBLEND] = D3DBLEND_SRCCOLOR;
-       },
-       [](const GlDrawState& d) { return d.blend.src == GL_ZERO && d.blend.dst == GL_SRC_COLOR; }},
       {"CW culling culls GL's front faces; NONE culls nothing",
        [](gl::FixedFunctionState& s) { s.renderState[D3DRS_CULLMODE] = D3DCULL_CW; },
        [](const GlDrawState& d) { return d.raster.cull && d.raster.cullFace == GL_FRONT; }},

@@ -91,8 +91,6 @@ TEST(MeshTranslate, BakesScaleAndMoveOnlyIntoTheFullVertexFormat) {
   ASSERT_TRUE(mesh.visible);
   auto vertices = [&] { return GraphicsFixture::vertices(*mesh.mesh()); };
   const std::vector<float> original = vertices();
-  mesh.Translate(1, 0, 0, 0);
-  EXPECT_EQ(vertices(), original);
   // A pure scale about the origin; then a move shifts the vertices by the difference to the old
   // position and stores the new one. Normals and texture coordinates stay.
   mesh.Translate(2, 0, 0, 0);
