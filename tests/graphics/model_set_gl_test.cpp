@@ -16,6 +16,9 @@ TEST(ModelSet, StartUpLoadsEveryModelWithItsImagesAndHidesTheMarkers) {
   ostrel::testing::openingPosition(s.board);
   ASSERT_EQ(s.init(), std::optional<bool>(true));
   const Image shot = s.platform.windowImage();
+  const auto corner = ostrel::testing::pixel(shot, 0, 0);
+  ASSERT_GT(ostrel::testing::countNot(shot, {corner[0], corner[1], corner[2]}), 320 * 320 / 4)
+      << "a picture to compare the second start-up's with";
   EXPECT_EQ(s.platform.messages(), Lines{});
   const ModelSet& m = s.models();
   const std::pair<const char*, const clsMesh*> meshes[] = {
@@ -46,8 +49,6 @@ TEST(ModelSet, StartUpLoadsEveryModelWithItsImagesAndHidesTheMarkers) {
 
   // A second start-up loads into the same mesh objects: pieces and shadows stand where they
   // stood, and the log is written afresh.
-  const auto corner = ostrel::testing::pixel(shot, 0, 0);
-  ASSERT_GT(ostrel::testing::countNot(shot, {corner[0], corner[1], corner[2]}), 320 * 320 / 4);
   s.assets.write("directxlog.txt", "stale\r\n");
   ASSERT_EQ(s.init(), std::optional<bool>(true));
   EXPECT_EQ(s.assets.log(), logOf(quickOptions()));
