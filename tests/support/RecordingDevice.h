@@ -3,7 +3,6 @@
 // the mesh and subset of each draw. Meshes and textures are made from the real loaders' data, so
 // a model set loads through it and the order of a frame's passes is seen without OpenGL.
 
-#include <array>
 #include <cstring>
 #include <memory>
 #include <string>
