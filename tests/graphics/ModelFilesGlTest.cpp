@@ -274,7 +274,7 @@ TEST(MeshLoad, ThreeMaterialsWithAnAlternativeAndTheDiffuseAlpha) {
   ModelFiles f;
   f.writeModel("three.x", stripsModel({{0.5f, 0.5f, 0.5f, 0.3f, 0, 0, 0, "a.png"},
                                        {0.2f, 0.6f, 0.2f, 0.7f, 0, 0, 0, ""},
-                                       {0.5f, 0.5f, 0.5f, 0.9f, 0, 0, 0, "b.png"}}));
+                                       {1.0f, 1.0f, 1.0f, 0.9f, 0, 0, 0, "b.png"}}));
   f.writeFile("alt.png", solidPng(250, 0, 0));  // a.png and b.png do not exist
   clsMesh& mesh = f.state().models.boardMesh;
   mesh.init("models/three.x", "alt.png");
@@ -285,12 +285,16 @@ TEST(MeshLoad, ThreeMaterialsWithAnAlternativeAndTheDiffuseAlpha) {
   EXPECT_FLOAT_EQ(mesh.material(1).Ambient.a, 0.7f);
   EXPECT_FLOAT_EQ(mesh.material(2).Diffuse.a, 0.9f);
 
-  // The outer strips show the alternative texture, the middle one its lit green material.
+  // The outer strips show the alternative texture, each lit by its own material (the third,
+  // white, at x = -2; the first, grey, at x = 2), the middle one its lit green material.
   Image image = f.frame();
-  const auto left = f.at(image, -2, 0, 0), middle = f.at(image, 0, 0, 0);
-  EXPECT_GT(left[0], 150);
-  EXPECT_LT(left[1], 10);
-  EXPECT_EQ(f.at(image, 2, 0, 0), left);
+  const auto white = f.at(image, -2, 0, 0), grey = f.at(image, 2, 0, 0);
+  const auto middle = f.at(image, 0, 0, 0);
+  EXPECT_GT(white[0], 200);
+  EXPECT_LT(white[1], 10);
+  EXPECT_GT(grey[0], 100);
+  EXPECT_LT(grey[0], white[0] - 40);
+  EXPECT_LT(grey[1], 10);
   EXPECT_GT(middle[1], 150);
   EXPECT_LT(middle[0], 150);
 
