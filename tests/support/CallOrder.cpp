@@ -13,20 +13,16 @@
 #include "ostrel/ostrel.h"
 #include "support/HostilePlatform.h"
 #include "support/HostileValues.h"
+#include "support/LiveBoard.h"
 #include "support/TempFolder.h"
 
 namespace ostrel::testing {
 
 void CallOrderFigures::add(const CallOrderFigures& o) {
-  operations += o.operations;
-  nestedCalls += o.nestedCalls;
-  controlsMade += o.controlsMade;
-  inits += o.inits;
-  initsTrue += o.initsTrue;
-  frames += o.frames;
-  movesDone += o.movesDone;
-  deviceErrors += o.deviceErrors;
-  messageBoxes += o.messageBoxes;
+  using F = CallOrderFigures;
+  for (auto count : {&F::operations, &F::nestedCalls, &F::controlsMade, &F::inits, &F::initsTrue,
+                     &F::frames, &F::movesDone, &F::deviceErrors, &F::messageBoxes})
+    this->*count += o.*count;
   findings.insert(findings.end(), o.findings.begin(), o.findings.end());
 }
 
@@ -229,18 +225,9 @@ class World : private HostileValues {
       std::function<void()> run;
     };
     const auto setPosition = [&] {
-      for (int i = 0; i < 50; ++i) {
-        const int16_t code = i < 20 ? 3 : (i >= 30 ? 2 : 0);
-        b.field(static_cast<int16_t>(i), code);
-        s.fields[static_cast<size_t>(i)] = code;
-      }
-      b.clearMoveList();
-      s.moves.clear();
-      for (const char* m : {"31-27", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"}) {
-        b.addMoveList(m);
-        s.moves.push_back(m);
-      }
-      b.drawBoard();
+      openingPosition(b);
+      for (size_t i = 0; i < 50; ++i) s.fields[i] = b.field(static_cast<int16_t>(i));
+      s.moves.assign(kOpeningMoves.begin(), kOpeningMoves.end());
       // The control's own view, so that drags find the fields.
       b.rotationHorizontalAxis(1.5707951f);
       b.rotationVerticalAxis(-3.14159f);
@@ -347,13 +334,6 @@ class World : private HostileValues {
     }
   }
 
-  // Where the last frame shows a field, in twips; false while there is no device.
-  static bool fieldOnScreen(ctlBoard& board, int16_t field, float& x, float& y) {
-    return field >= 1 && field <= 50 &&
-           interaction::fieldToScreen(controlState(board), field, x, y) && std::isfinite(x) &&
-           std::isfinite(y);
-  }
-
   // A listed move carried from its first field to its last, as a user would.
   void drag(Slot& s) {
     drawing_ = true;
@@ -364,8 +344,12 @@ class World : private HostileValues {
     const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
     const int32_t n = countTokens(move, "-");
     float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    // Where the last frame shows a field, in twips; false while there is no device.
     const auto ends = [&](int16_t token, float& x, float& y) {
-      return fieldOnScreen(*s.board, tokenValue(getToken(move, "-", token, token)), x, y);
+      const int16_t field = tokenValue(getToken(move, "-", token, token));
+      return field >= 1 && field <= 50 &&
+             interaction::fieldToScreen(controlState(*s.board), field, x, y) && std::isfinite(x) &&
+             std::isfinite(y);
     };
     if (!ends(1, x0, y0) || !ends(static_cast<int16_t>(n), x1, y1)) return;
     HostilePlatform& p = *s.platform;
@@ -387,17 +371,13 @@ class World : private HostileValues {
     const float x = coordinate(s.board->pic().Width), y = coordinate(s.board->pic().Height);
     const int16_t button = chance(0.9) ? static_cast<int16_t>(among({1, 1, 1, 2, 4})) : anyInt16();
     if (chance(0.6)) s.platform->advance(20);  // past the time gate
-    switch (pick(3)) {
-      case 0:
-        remember("pic_MouseDown"), s.board->pic_MouseDown(button, anyInt16(), x, y);
-        return;
-      case 1:
-        remember("pic_MouseMove"), s.board->pic_MouseMove(button, 0, x, y);
-        return;
-      default:
-        remember("pic_MouseUp"), s.board->pic_MouseUp(button, 0, x, y);
-        return;
-    }
+    using Event = void (ctlBoard::*)(int16_t, int16_t, float, float);
+    const std::pair<const char*, Event> events[] = {{"pic_MouseDown", &ctlBoard::pic_MouseDown},
+                                                    {"pic_MouseMove", &ctlBoard::pic_MouseMove},
+                                                    {"pic_MouseUp", &ctlBoard::pic_MouseUp}};
+    const auto& [name, event] = among(events);
+    remember(name);
+    (s.board.get()->*event)(button, chance(0.5) ? 0 : anyInt16(), x, y);
   }
 
   // --- The invariants. ---
@@ -448,11 +428,7 @@ class World : private HostileValues {
   bool drawing_ = false;
   // What the running top-level entry loads: nothing, models of its own control, or a mesh of
   // the host's whose box goes wherever the thread's last init lives.
-  enum class Loads {
-    nothing,
-    own,
-    unknown
-  } loads_ = Loads::nothing;  // the running entry may meet a device failure
+  enum class Loads { nothing, own, unknown } loads_ = Loads::nothing;
   int depth_ = 0;
   int op_ = 0;
   std::string lastName_;

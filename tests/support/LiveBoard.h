@@ -2,6 +2,7 @@
 // A control started on the real offscreen device with the shipped assets, a manual clock and a
 // recorder of its events; and what the rendered picture shows of a field or a piece.
 
+#include <array>
 #include <functional>
 #include <string>
 #include <utility>
@@ -28,6 +29,8 @@ Blob markerShown(ctlBoard& board, const std::function<Image()>& frame, int field
 Blob manShown(ctlBoard& board, const std::function<Image()>& frame, int field);
 
 // The start of a game with the first moves of white on offer, drawn.
+inline constexpr std::array<const char*, 8> kOpeningMoves = {"31-27", "31-26", "32-28", "32-27",
+                                                             "33-29", "33-28", "34-30", "34-29"};
 void openingPosition(ctlBoard& board);
 
 struct LiveBoard {
