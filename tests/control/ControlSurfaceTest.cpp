@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "control/ControlAccess.h"
 #include "ostrel/HeadlessPlatform.h"
 
@@ -20,12 +22,21 @@ TEST(ControlSurface, CreationDefaultsAndPlainEntries) {
   EXPECT_EQ(board.timerAfterLastRender(), 0);
   board.ambientBackColor(0x123456);
   EXPECT_EQ(board.BackColor(), 0x563412);
-  // The viewing distance is held to 0.1 .. 800.
-  const std::pair<float, float> distances[] = {{0.05f, 0.1f}, {900.0f, 800.0f}, {800.0f, 800.0f},
-                                               {0.1f, 0.1f},  {-3.0f, 0.1f},    {42.5f, 42.5f}};
-  for (auto [in, out] : distances) {
-    board.viewingDistance(in);
-    EXPECT_EQ(board.viewingDistance(), out) << in;
+  // From 20: the distance is held to 0.1 .. 800 and keeps its value for no number; an angle keeps
+  // its value for anything not finite.
+  const float nan = std::nanf(""), inf = INFINITY;
+  const std::pair<float, float> distances[] = {
+      {0.05f, 0.1f},  {900.0f, 800.0f}, {800.0f, 800.0f}, {0.1f, 0.1f}, {-3.0f, 0.1f},
+      {42.5f, 42.5f}, {nan, 20},        {-nan, 20},       {inf, 800},   {-inf, 0.1f}};
+  using Setter = void (ctlBoard::*)(float);
+  const Setter setters[] = {&ctlBoard::viewingDistance, &ctlBoard::rotationVerticalAxis,
+                            &ctlBoard::rotationHorizontalAxis};
+  for (auto [given, expected] : distances) {
+    for (Setter set : setters) (board.*set)(20), (board.*set)(given);
+    EXPECT_EQ(board.viewingDistance(), expected) << given;
+    const float angle = std::isfinite(given) ? given : 20;
+    EXPECT_EQ(board.rotationVerticalAxis(), angle) << given;
+    EXPECT_EQ(board.rotationHorizontalAxis(), angle) << given;
   }
 }
 
