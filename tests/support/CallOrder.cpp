@@ -163,13 +163,9 @@ class World : private HostileValues {
   void operation() {
     Slot& s = slots_[static_cast<size_t>(pick(kSlots))];
     if (!s.board) {
-      if (!s.platform || chance(0.7)) {
-        remember("make control");
-        makeControl(s);
-      } else {
-        remember("end platform");
-        endPlatform(s);
-      }
+      const bool make = !s.platform || chance(0.7);
+      remember(make ? "make control" : "end platform");
+      make ? makeControl(s) : endPlatform(s);
       return;
     }
     ++depth_;
@@ -390,10 +386,8 @@ class World : private HostileValues {
       if (i >= 0 && i < kFieldSlots) s.fields[static_cast<size_t>(i)] = actual;
     }
     const MoveList& list = b.moves();
-    bool sameMoves = list.moveCount == static_cast<int16_t>(s.moves.size());
-    for (size_t i = 0; sameMoves && i < s.moves.size(); ++i)
-      sameMoves = list.moveList[i] == s.moves[i];
-    if (!sameMoves)
+    if (list.moveCount != static_cast<int16_t>(s.moves.size()) ||
+        !std::equal(s.moves.begin(), s.moves.end(), std::begin(list.moveList)))
       finding("the move list holds " + std::to_string(list.moveCount) + " moves, not the " +
               std::to_string(s.moves.size()) + " added");
     const float d = b.viewingDistance();
