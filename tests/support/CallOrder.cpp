@@ -37,11 +37,20 @@ constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
 
 class World;
 
-// The host's handlers: they keep the expected field array in step with accepted drops, check what
-// an event may say, and now and then call back into any control.
-class Handlers : public ctlBoardEvents {
- public:
-  Handlers(World& world, size_t slot) : world_(world), slot_(slot) {}
+// A control with its platform, and the host's handlers for it: they keep the expected field array
+// in step with accepted drops, check what an event may say, and now and then call back into any
+// control.
+struct Slot : ctlBoardEvents {
+  World* world = nullptr;
+  std::unique_ptr<HostilePlatform> platform;
+  std::unique_ptr<ctlBoard> board;
+  std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
+  std::vector<std::string> moves;             // what the move list must hold
+  bool started = false;                       // the last init of this control answered true
+  bool everStarted = false;                   // one of its inits did
+  int busy = 0;                               // calls of this control on the stack
+  size_t boxesSeen = 0;
+
   void afterDraw(float& frameTime) override;
   void mouseDown(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
   void mouseMove(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
@@ -49,28 +58,14 @@ class Handlers : public ctlBoardEvents {
   void moveDone(int16_t& moveIndex, std::string& move) override;
   void afterUserRotation() override;
   void KeyDown(int16_t&, int16_t&) override;
-
- private:
   void mouse(float x, float y, int16_t field);
-  World& world_;
-  size_t slot_;
-};
-
-struct Slot {
-  std::unique_ptr<HostilePlatform> platform;
-  std::unique_ptr<ctlBoard> board;
-  std::unique_ptr<Handlers> handlers;
-  std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
-  std::vector<std::string> moves;             // what the move list must hold
-  bool started = false;                       // the last init of this control answered true
-  bool everStarted = false;                   // one of its inits did
-  int busy = 0;                               // calls of this control on the stack
-  size_t boxesSeen = 0;
 };
 
 class World : private HostileValues {
  public:
-  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {}
+  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {
+    for (Slot& s : slots_) s.world = this;
+  }
   ~World() {
     for (Slot& s : slots_) endControl(s);
     for (Slot& s : slots_) s.platform.reset();
@@ -89,7 +84,6 @@ class World : private HostileValues {
   }
 
   // --- What the handlers use. ---
-  Slot& slot(size_t i) { return slots_[i]; }
   bool deviceMayExist() const { return deviceMayExist_; }
   CallOrderFigures& figures() { return f_; }
   void finding(const std::string& what) {
@@ -124,8 +118,7 @@ class World : private HostileValues {
       s.boxesSeen = 0;
     }
     s.board = std::make_unique<ctlBoard>(*s.platform);
-    s.handlers = std::make_unique<Handlers>(*this, static_cast<size_t>(&s - slots_.data()));
-    s.board->setEventSink(s.handlers.get());
+    s.board->setEventSink(&s);
     s.fields.fill(0);
     s.moves.clear();
     s.started = s.everStarted = false;
@@ -134,7 +127,6 @@ class World : private HostileValues {
   void endControl(Slot& s) {
     if (!s.board || s.busy) return;
     s.board.reset();
-    s.handlers.reset();
     deviceMayExist_ = false;  // the end of any control drops the thread's device
   }
   void endPlatform(Slot& s) {
@@ -425,62 +417,60 @@ class World : private HostileValues {
   std::string lastName_;
 };
 
-void Handlers::afterDraw(float& frameTime) {
-  ++world_.figures().frames;
-  if (!world_.deviceMayExist()) world_.finding("afterDraw with no device on the thread");
-  if (!std::isfinite(frameTime)) world_.finding("frameTime is not finite");
-  world_.maybeCallBack();
+void Slot::afterDraw(float& frameTime) {
+  ++world->figures().frames;
+  if (!world->deviceMayExist()) world->finding("afterDraw with no device on the thread");
+  if (!std::isfinite(frameTime)) world->finding("frameTime is not finite");
+  world->maybeCallBack();
 }
 
-void Handlers::mouse(float x, float y, int16_t field) {
+void Slot::mouse(float x, float y, int16_t field) {
   if (!std::isfinite(x) || !std::isfinite(y))
-    world_.finding("a mouse event reports no board point");
+    world->finding("a mouse event reports no board point");
   if (field < -1 || field > 50)
-    world_.finding("a mouse event reports field " + std::to_string(field));
-  world_.maybeCallBack();
+    world->finding("a mouse event reports field " + std::to_string(field));
+  world->maybeCallBack();
 }
 
 // The control moved the code from the drag's source to one field: the expected array follows,
 // and nothing else may have changed.
-void Handlers::moveDone(int16_t& moveIndex, std::string& move) {
-  ++world_.figures().movesDone;
-  Slot& s = world_.slot(slot_);
-  const ctlBoard& b = *s.board;
+void Slot::moveDone(int16_t& moveIndex, std::string& move) {
+  ++world->figures().movesDone;
+  const ctlBoard& b = *board;
   // The index is the one recorded when the drag began: a handler may have emptied the list
   // since, and the slot still holds the move that was offered.
   if (moveIndex < 0 || static_cast<size_t>(moveIndex) >= kMaxMoves ||
       &move != &b.moves().moveList[static_cast<size_t>(moveIndex)]) {
-    world_.finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
+    world->finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
   }
   const auto source = static_cast<size_t>(b.gesture().dragSource);
   if (source >= 50) {
-    world_.finding("moveDone from slot " + std::to_string(source));
+    world->finding("moveDone from slot " + std::to_string(source));
     return;
   }
-  const int16_t code = s.fields[source];
+  const int16_t code = fields[source];
   int changed = 0;
   std::array<int16_t, kFieldSlots> now{};
   for (size_t i = 0; i < now.size(); ++i) now[i] = b.field(static_cast<int16_t>(i));
   for (size_t i = 0; i < now.size(); ++i) {
-    if (i == source || now[i] == s.fields[i]) continue;
+    if (i == source || now[i] == fields[i]) continue;
     ++changed;
     if (now[i] != code)
-      world_.finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
+      world->finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
   }
   if (now[source] != 0 || changed > 1)
-    world_.finding("moveDone of " + move + " changed more than a move");
-  s.fields = now;
-  world_.maybeCallBack();
+    world->finding("moveDone of " + move + " changed more than a move");
+  fields = now;
+  world->maybeCallBack();
 }
 
-void Handlers::afterUserRotation() {
-  if (!world_.slot(slot_).board->gesture().rotatingBoard)
-    world_.finding("afterUserRotation after the rotation ended");
-  world_.maybeCallBack();
+void Slot::afterUserRotation() {
+  if (!board->gesture().rotatingBoard) world->finding("afterUserRotation after the rotation ended");
+  world->maybeCallBack();
 }
 
-void Handlers::KeyDown(int16_t&, int16_t&) {
-  world_.maybeCallBack();
+void Slot::KeyDown(int16_t&, int16_t&) {
+  world->maybeCallBack();
 }
 
 }  // namespace
