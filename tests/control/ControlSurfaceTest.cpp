@@ -21,8 +21,6 @@ TEST(ControlSurface, CreationDefaultsAndPlainEntries) {
   EXPECT_TRUE(board.userRotationEnabled() && board.userMoveEnabled());
   EXPECT_FALSE(board.highlightLastMove());
   EXPECT_EQ(board.timerAfterLastRender(), 0);
-  board.ambientBackColor(0x123456);
-  EXPECT_EQ(board.BackColor(), 0x563412);
   // From 20: the distance is held to 0.1 .. 800 and keeps its value for no number; an angle keeps
   // its value for anything not finite.
   const float nan = std::nanf(""), inf = INFINITY;
