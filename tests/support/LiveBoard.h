@@ -49,13 +49,10 @@ struct LiveBoard {
   void setPosition(const std::vector<std::pair<int, int>>& pieces,
                    const std::vector<std::string>& moves = {});
   // Where the view draws a field's marker, or a white man on a field.
-  Blob fieldBlob(int field) {
-    return markerShown(
-        board, [this] { return frame(); }, field);
-  }
-  Blob pieceBlob(int field) {
-    return manShown(
-        board, [this] { return frame(); }, field);
+  Blob fieldBlob(int field) { return markerShown(board, frames(), field); }
+  Blob pieceBlob(int field) { return manShown(board, frames(), field); }
+  std::function<Image()> frames() {
+    return [this] { return frame(); };
   }
   // Mouse events at a pixel, each after the time gate has opened.
   void down(int16_t button, double x, double y) { mouse(&ctlBoard::pic_MouseDown, button, x, y); }
