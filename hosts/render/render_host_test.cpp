@@ -20,10 +20,6 @@ using render::kBlackMan;
 using render::kWhiteKing;
 using render::kWhiteMan;
 
-int16_t at(const render::Position& p, int field) {
-  return p[static_cast<size_t>(field - 1)];
-}
-
 // A position with the given ranges of fields holding a code, every other field empty.
 render::Position with(std::initializer_list<std::tuple<int, int, int16_t>> ranges) {
   render::Position p{};
@@ -36,11 +32,9 @@ TEST(RenderPosition, ReadsKingsListsRangesWrappersAndBlanks) {
   const render::Position start = with({{1, 20, kBlackMan}, {31, 50, kWhiteMan}});
   EXPECT_EQ(render::startingPosition(), start);
   const std::pair<const char*, render::Position> cases[] = {
-      {"W:W31-50:B1-20", start},
       {"B:WK46,31-35:B1-5,K12,K 13",
        with({{46, 46, kWhiteKing}, {31, 35, kWhiteMan}, {1, 5, kBlackMan}, {12, 13, kBlackKing}})},
       {" [FEN \"W:W31-50:B1-20.\"] ", start},
-      {"W:W 31 - 33 , 40:B 1", with({{31, 33, kWhiteMan}, {40, 40, kWhiteMan}, {1, 1, kBlackMan}})},
       {"W:W:B", {}},
   };
   for (const auto& [fen, expected] : cases) {
@@ -48,15 +42,6 @@ TEST(RenderPosition, ReadsKingsListsRangesWrappersAndBlanks) {
     const auto p = render::parseFen(fen, error);
     ASSERT_TRUE(p) << fen << ": " << error;
     EXPECT_EQ(*p, expected) << fen;
-  }
-}
-
-TEST(RenderPosition, BadPositionsAreRefusedWithAReason) {
-  for (const char* bad : {"", "W", "W:W51", "W:W0", "X:W1", "W:Wabc", "W:W1-", "W:WK", "W:W1;2",
-                          "W:W-5", "W:W31-50", "W:Wk46:B1", "W:W35-31:B1", "W:W31:W32"}) {
-    std::string error;
-    EXPECT_FALSE(render::parseFen(bad, error)) << bad;
-    EXPECT_FALSE(error.empty()) << bad;
   }
 }
 
@@ -72,13 +57,10 @@ TEST(RenderPosition, ImpossiblePositionsAreRefusedWithTheirReason) {
       {"W:W1-21:B50", "white has 21 pieces"},
       {"W:W50:B1-20,K21", "black has 21 pieces"},
       {"W:W1-20:B31-50", ""},
-      {"W:W31:B31", "field 31 is given twice"},
-      {"W:W10-20:BK15", "field 15 is given twice"},
       {"W:WK1-12:B50", ""},
       {"W:WK1-12,13:B50", "white needs 25 discs (a king takes two)"},
       {"W:W50:BK1-5,6-19", ""},
       {"W:W50:BK1-5,K6-15", "black needs 30 discs"},
-      {"W:W1-4:B1-4", "field 1 is given twice"},
   };
   for (const Case& c : cases) {
     std::string error;
@@ -92,29 +74,22 @@ TEST(RenderPosition, ImpossiblePositionsAreRefusedWithTheirReason) {
   }
 }
 
-TEST(RenderPosition, LastFieldOfAMove) {
+TEST(RenderPosition, LastFieldOfAMoveAndFieldLists) {
   EXPECT_EQ(render::lastField("32-28"), 28);
   EXPECT_EQ(render::lastField("26x37x48"), 48);
   EXPECT_EQ(render::lastField(" 1-50 "), 50);
-  EXPECT_FALSE(render::lastField("32-"));
-  EXPECT_FALSE(render::lastField("32"));
-  EXPECT_FALSE(render::lastField("32-51"));
-  EXPECT_FALSE(render::lastField("e2-e4"));
-  EXPECT_FALSE(render::lastField(""));
+  for (const char* bad : {"32-", "32", "32-51", "e2-e4", ""}) EXPECT_FALSE(render::lastField(bad));
   EXPECT_TRUE(render::validFieldList("7|12"));
   EXPECT_TRUE(render::validFieldList("50"));
-  EXPECT_FALSE(render::validFieldList("7||12"));
-  EXPECT_FALSE(render::validFieldList("7|x"));
-  EXPECT_FALSE(render::validFieldList(""));
+  for (const char* bad : {"7||12", "7|x", ""}) EXPECT_FALSE(render::validFieldList(bad));
 }
 
 TEST(RenderArguments, DefaultsAndEveryOption) {
   std::string error;
   auto d = render::parseArguments({}, error);
   ASSERT_TRUE(d) << error;
-  EXPECT_EQ(d->width, d->height) << "square by default";
   EXPECT_EQ(d->position, render::startingPosition());
-  EXPECT_FALSE(d->elevation);
+  EXPECT_FALSE(d->elevation) << "the control's own view";
   EXPECT_TRUE(d->shadows);
 
   auto o = render::parseArguments({"--size", "300", "--elevation", "0.9", "--azimuth", "-2.5",
@@ -122,8 +97,6 @@ TEST(RenderArguments, DefaultsAndEveryOption) {
                                    "--aa", "0", "--no-shadows", "--out", "x.png", "W:WK46:B1"},
                                   error);
   ASSERT_TRUE(o) << error;
-  EXPECT_EQ(o->width, 300);
-  EXPECT_EQ(o->height, 300);
   EXPECT_FLOAT_EQ(*o->elevation, 0.9f);
   EXPECT_FLOAT_EQ(*o->azimuth, -2.5f);
   EXPECT_FLOAT_EQ(o->distance, 20.0f);
@@ -131,21 +104,15 @@ TEST(RenderArguments, DefaultsAndEveryOption) {
   EXPECT_EQ(o->marks, "7|12");
   EXPECT_EQ(o->antiAliasing, 0);
   EXPECT_FALSE(o->shadows);
-  EXPECT_EQ(o->out, "x.png");
-  EXPECT_EQ(at(o->position, 46), kWhiteKing);
-
-  auto wide = render::parseArguments({"--width", "400", "--height", "200"}, error);
-  ASSERT_TRUE(wide) << error;
-  EXPECT_EQ(wide->width, 400);
-  EXPECT_EQ(wide->height, 200);
+  EXPECT_EQ(o->position[46 - 1], kWhiteKing);
 }
 
 TEST(RenderArguments, BadArgumentsAreNamed) {
   const std::vector<std::vector<std::string>> bad = {
-      {"--size"},          {"--size", "0"},       {"--size", "big"},     {"--width", "99999"},
-      {"--aa", "3"},       {"--elevation", "up"}, {"--last-move", "32"}, {"--mark", "7|"},
-      {"--frobnicate"},    {"W:W1", "B:B2"},      {"--out", ""},         {"--fen", "W:W60"},
-      {"--distance", "0"}, {"--anisotropy", "17"}};
+      {"--size"},          {"--size", "0"},        {"--size", "big"},     {"--width", "99999"},
+      {"--aa", "3"},       {"--elevation", "up"},  {"--last-move", "32"}, {"--mark", "7|"},
+      {"--frobnicate"},    {"W:W1", "B:B2"},       {"--out", ""},         {"--fen", "W:W60"},
+      {"--distance", "0"}, {"--anisotropy", "17"}, {"--emf", ""}};
   for (const auto& args : bad) {
     std::string error;
     EXPECT_FALSE(render::parseArguments(args, error)) << args[0];
@@ -179,11 +146,6 @@ TEST_F(RenderProgram, WritesAPictureOfTheAskedSize) {
   EXPECT_NE(read("out.txt").find("wide.png"), std::string::npos);
 }
 
-TEST_F(RenderProgram, AModelFolderWithoutModelsFailsWithItsLog) {
-  EXPECT_NE(run("--models " + dir_.string() + " --out " + (dir_ / "x.png").string()), 0);
-  EXPECT_NE(read("err.txt").find("Model load failed"), std::string::npos) << read("err.txt");
-}
-
 TEST_F(RenderProgram, AlsoWritesTheMetafileUnderTheNameAsGiven) {
   const std::string emf = (dir_ / "dump").string();
   ASSERT_EQ(run("--size 64 --aa 0 --out " + (dir_ / "x.png").string() + " --emf " + emf), 0)
@@ -197,21 +159,16 @@ TEST_F(RenderProgram, AlsoWritesTheMetafileUnderTheNameAsGiven) {
                 (dir_ / "no" / "x.emf").string()),
             0);
   EXPECT_NE(read("err.txt").find("x.emf"), std::string::npos);
-  std::string error;
-  EXPECT_FALSE(render::parseArguments({"--emf", ""}, error));
 }
 
-// Model files of every form load through the program; a broken marker model, loaded by fifteen
-// marker meshes, gives its message and its cause once.
-TEST_F(RenderProgram, ModelFilesOfEveryFormAndTheCauseOfARefusal) {
+// A model folder of the user's: its models load; a broken marker model, loaded by fifteen marker
+// meshes, gives its message and its cause once.
+TEST_F(RenderProgram, AModelFolderAndTheCauseOfARefusal) {
   const std::filesystem::path models = dir_ / "models";
   std::filesystem::copy(OSTREL_SHIPPED_MODELS, models);
   const std::string args =
       "--size 48 --aa 0 --models " + dir_.string() + " --out " + (dir_ / "x.png").string();
-  for (const ostrel::testing::XSample& sample : ostrel::testing::xSamples()) {
-    std::ofstream(models / "white.x", std::ios::binary) << sample.bytes;
-    EXPECT_EQ(run(args), 0) << sample.name << ": " << read("err.txt");
-  }
+  EXPECT_EQ(run(args), 0) << read("err.txt");
   std::string broken = ostrel::testing::squareModel(ostrel::testing::XForm::Text, "hl2.png");
   broken.replace(broken.find("4;0,1,2,3;"), 10, "4;0,1,2,7;");
   std::ofstream(models / "hl2.x", std::ios::binary) << broken;

@@ -1,9 +1,13 @@
-// The pure step from the fixed-function state to the GL state of a draw: no GL context needed.
+// The pure steps of the GL backend, no GL context needed: from the fixed-function state to the GL
+// state of a draw, and the shader text of WebGL 2 and of desktop GL, one program with two headers.
+// (That the ES variants compile is checked in GlStateGlTest.cpp, through the renderer's ES
+// compatibility.)
 
 #include <gtest/gtest.h>
 
 #include "FreshState.h"
 #include "graphics/gl/FixedFunction.h"
+#include "graphics/gl/Programs.h"
 
 namespace ostrel::testing {
 namespace {
@@ -35,13 +39,6 @@ TEST(Translate, FixedFunctionStatesBecomeTheirGlCounterparts) {
        [](const GlDrawState& d) {
          return d.blend.enabled && d.blend.src == GL_SRC_ALPHA && d.blend.dst == GL_DST_COLOR;
        }},
-      {"shadow blend: ZERO, SRCCOLOR",
-       [](gl::FixedFunctionState& s) {
-         s.renderState[D3DRS_ALPHABLENDENABLE] = 1;
-         s.renderState[D3DRS_SRCBLEND] = D3DBLEND_ZERO;
-         s.renderState[D3DRS_DESTBLEND] = D3DBLEND_SRCCOLOR;
-       },
-       [](const GlDrawState& d) { return d.blend.src == GL_ZERO && d.blend.dst == GL_SRC_COLOR; }},
       {"CW culling culls GL's front faces; NONE culls nothing",
        [](gl::FixedFunctionState& s) { s.renderState[D3DRS_CULLMODE] = D3DCULL_CW; },
        [](const GlDrawState& d) { return d.raster.cull && d.raster.cullFace == GL_FRONT; }},
@@ -95,6 +92,26 @@ TEST(Translate, FixedFunctionStatesBecomeTheirGlCounterparts) {
   EXPECT_EQ(gl::translate(s, kTarget, gl::kCoords, 3).program.anisotropy, gl::kMaxAnisotropy);
   s.stageState[0][D3DTSS_COLOROP] = D3DTOP_DISABLE;
   EXPECT_FALSE(gl::translate(s, kTarget, gl::kCoords, 3).textured);
+}
+
+TEST(GlslEs, DialectsDifferOnlyInTheirHeader) {
+  gl::ProgramKey key;
+  key.colours = key.lighting = true;
+  for (GLenum stage : {GL_VERTEX_SHADER, GL_FRAGMENT_SHADER}) {
+    const std::string es = gl::shaderSource(gl::GlslDialect::Es300, stage, key);
+    const std::string desktop = gl::shaderSource(gl::GlslDialect::Desktop330, stage, key);
+    EXPECT_EQ(es.rfind("#version 300 es\n", 0), 0u);
+    EXPECT_EQ(desktop.rfind("#version 330 core\n", 0), 0u);
+    // Past the header both carry the same program text.
+    const auto bodyOf = [](const std::string& s) { return s.substr(s.find("#define NORMALS")); };
+    EXPECT_EQ(bodyOf(es), bodyOf(desktop));
+  }
+  // A D3DCOLOR's bytes come B, G, R, A: ES swaps them in the shader, desktop GL in the fetch.
+  EXPECT_NE(gl::shaderSource(gl::GlslDialect::Es300, GL_VERTEX_SHADER, key).find("aColor.bgra"),
+            std::string::npos);
+  EXPECT_EQ(
+      gl::shaderSource(gl::GlslDialect::Desktop330, GL_VERTEX_SHADER, key).find("aColor.bgra"),
+      std::string::npos);
 }
 
 }  // namespace

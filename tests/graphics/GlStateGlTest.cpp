@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "FreshState.h"
 #include "graphics/GraphicsContext.h"
 #include "graphics/gl/FixedFunction.h"
@@ -79,10 +81,9 @@ struct Board : LiveBoard {
   }
 };
 
+// Six counters of one width, nothing between them.
 bool same(const DeviceCounters& a, const DeviceCounters& b) {
-  return a.drawCalls == b.drawCalls && a.programChanges == b.programChanges &&
-         a.stateChanges == b.stateChanges && a.uniformUploads == b.uniformUploads &&
-         a.bufferUploads == b.bufferUploads && a.glCalls == b.glCalls;
+  return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
 TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
@@ -107,6 +108,10 @@ TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
   EXPECT_LE(second.uniformUploads, second.drawCalls + 16);
   EXPECT_EQ(second.bufferUploads, 0u);
   EXPECT_TRUE(same(second, third));
+  EXPECT_GT(second.stateChanges, 0u);
+  EXPECT_GE(second.glCalls, second.drawCalls + second.programChanges + second.stateChanges +
+                                second.uniformUploads + second.bufferUploads)
+      << "every kind is a GL call";
   // Taking a piece away takes its draws, and sends no vertices.
   full.board.field(0, 0);
   full.board.drawBoard();
@@ -116,15 +121,6 @@ TEST(FrameCounters, AnUnchangedSceneSendsNoRedundantState) {
   ASSERT_TRUE(piece.hasMesh());
   EXPECT_LE(moved.drawCalls + piece.mesh()->GetNumSubsets(), second.drawCalls);
   EXPECT_EQ(moved.bufferUploads, 0u);
-}
-
-TEST(FrameCounters, GlCallsCoverEveryKind) {
-  Board full(true);
-  ASSERT_TRUE(full.started);
-  const DeviceCounters c = full.counted();
-  EXPECT_GE(c.glCalls,
-            c.drawCalls + c.programChanges + c.stateChanges + c.uniformUploads + c.bufferUploads);
-  EXPECT_GT(c.stateChanges, 0u);
 }
 
 TEST(Shaders, EveryVariantOfAFrameCompilesAsGlslEs) {
@@ -148,8 +144,6 @@ TEST(Shaders, EveryVariantOfAFrameCompilesAsGlslEs) {
     for (gl::GlslDialect dialect : {gl::GlslDialect::Desktop330, gl::GlslDialect::Es300}) {
       const std::string vs = gl::shaderSource(dialect, GL_VERTEX_SHADER, key);
       const std::string fs = gl::shaderSource(dialect, GL_FRAGMENT_SHADER, key);
-      EXPECT_EQ(vs.rfind(dialect == gl::GlslDialect::Es300 ? "#version 300 es" : "#version 330", 0),
-                0u);
       GLuint program = 0;
       EXPECT_NO_THROW(program = gl::linkProgram(vs, fs)) << fs;
       glDeleteProgram(program);

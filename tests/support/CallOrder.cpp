@@ -325,7 +325,8 @@ class World : private HostileValues {
     remember("drag a listed move");
     if (s.moves.empty()) return;
     s.board->render();  // the device's camera is this control's
-    if (!s.board) return;
+    // A handler of that frame may have ended the control or emptied its list.
+    if (!s.board || s.moves.empty()) return;
     const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
     const int32_t n = countTokens(move, "-");
     float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
@@ -458,7 +459,11 @@ void Slot::moveDone(int16_t& moveIndex, std::string& move) {
     if (now[i] != code)
       world->finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
   }
-  if (now[source] != 0 || changed > 1)
+  // A move that ends on its source (a king's circular capture) leaves the piece where it was.
+  const int32_t hops = countTokens(move, "-");
+  const bool circular =
+      static_cast<size_t>(tokenValue(getToken(move, "-", hops, hops)) - 1) == source;
+  if (now[source] != (circular ? code : 0) || changed > (circular ? 0 : 1))
     world->finding("moveDone of " + move + " changed more than a move");
   fields = now;
   world->maybeCallBack();

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "graphics/GraphicsContext.h"
+#include "graphics/Startup.h"
 
 namespace ostrel::testing {
 
@@ -94,22 +95,14 @@ bool GraphicsFixture::startDevice(int32_t multiSampleType) {
   context.baseDirectory = folder.path();
   context.direct3D = Direct3DCreate(platform);
   if (!context.direct3D) return false;
-  D3DDISPLAYMODE mode;
-  context.direct3D->GetAdapterDisplayMode(D3DADAPTER_DEFAULT, mode);
+  // Of start-up's parameters the device takes the depth buffer and the samples.
   D3DPRESENT_PARAMETERS& pp = context.presentParameters;
   pp = D3DPRESENT_PARAMETERS();
-  pp.Windowed = 1;
-  pp.SwapEffect = multiSampleType ? D3DSWAPEFFECT_DISCARD : D3DSWAPEFFECT_COPY_VSYNC;
-  pp.BackBufferFormat = mode.Format;
-  pp.BackBufferCount = 1;
   pp.EnableAutoDepthStencil = 1;
-  pp.AutoDepthStencilFormat = D3DFMT_D16;
   pp.MultiSampleType = multiSampleType;
   context.device = context.direct3D->CreateDevice(D3DADAPTER_DEFAULT, D3DDEVTYPE_HAL, &platform,
                                                   D3DCREATE_HARDWARE_VERTEXPROCESSING, pp);
-  context.device->SetVertexShader(0x1C4);
-  context.device->SetRenderState(D3DRS_ZENABLE, 1);
-  context.device->SetRenderState(D3DRS_AMBIENT, 0xFFFFFFFF);
+  setDefaultRenderStates(*context.device);
   return true;
 }
 

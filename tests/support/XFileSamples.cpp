@@ -3,7 +3,6 @@
 #include <zlib.h>
 
 #include <cstdio>
-#include <cstring>
 #include <stdexcept>
 
 namespace ostrel::testing {
@@ -47,15 +46,6 @@ void square(XWriter& w, const std::string& texture, const Positions& at = kSquar
 
 XWriter::XWriter(XForm form) : form_(form) {}
 
-void XWriter::word(uint16_t w) {
-  body_.push_back(static_cast<char>(w & 0xFF));
-  body_.push_back(static_cast<char>(w >> 8));
-}
-
-void XWriter::dword(uint32_t d) {
-  for (int k = 0; k < 4; ++k) body_.push_back(static_cast<char>(d >> (8 * k) & 0xFF));
-}
-
 void XWriter::open(const std::string& type, const std::string& name) {
   if (!binary()) {
     body_ += type + (name.empty() ? "" : " " + name) + " {\n";
@@ -71,11 +61,8 @@ void XWriter::open(const std::string& type, const std::string& name) {
 }
 
 void XWriter::close() {
-  if (binary()) {
-    word(0x0b);
-  } else {
-    body_ += "}\n";
-  }
+  if (binary()) return word(0x0b);
+  body_ += "}\n";
 }
 
 void XWriter::ints(const std::vector<uint32_t>& values) {
@@ -94,18 +81,7 @@ void XWriter::reals(const std::vector<double>& values) {
   if (binary()) {
     word(7);
     dword(static_cast<uint32_t>(values.size()));
-    for (double v : values) {
-      if (form_ == XForm::Binary64) {
-        char b[8];
-        std::memcpy(b, &v, 8);
-        body_.append(b, 8);
-      } else {
-        const float f = static_cast<float>(v);
-        char b[4];
-        std::memcpy(b, &f, 4);
-        body_.append(b, 4);
-      }
-    }
+    for (double v : values) form_ == XForm::Binary64 ? raw(v) : raw(static_cast<float>(v));
     return;
   }
   for (double v : values) body_ += real(v) + ";";

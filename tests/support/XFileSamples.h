@@ -48,8 +48,13 @@ class XWriter {
   std::string bytes() const;
 
  private:
-  void word(uint16_t w);
-  void dword(uint32_t d);
+  // Numbers as the file holds them: little-endian, as the machines that run the tests are.
+  template <typename T>
+  void raw(T v) {
+    body_.append(reinterpret_cast<const char*>(&v), sizeof v);
+  }
+  void word(uint16_t w) { raw(w); }
+  void dword(uint32_t d) { raw(d); }
   void list(const std::vector<std::vector<uint32_t>>& faces);
   template <size_t N>
   void vectors(const std::vector<std::array<double, N>>& items);

@@ -46,12 +46,11 @@ VideoReadback readVideo(const std::string& path) {
       avcodec_parameters_to_context(codec, format->streams[stream]->codecpar) >= 0 &&
       avcodec_open2(codec, decoder, nullptr) >= 0) {
     r.codec = decoder->name;
-    r.fps = av_q2d(format->streams[stream]->avg_frame_rate);
     bool draining = false;
     for (;;) {
       int result = avcodec_receive_frame(codec, frame);
       if (result == 0) {
-        if (r.frames++ == 0) r.first = toRgba(*frame);
+        ++r.frames;
         r.last = toRgba(*frame);
         continue;
       }

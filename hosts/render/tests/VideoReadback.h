@@ -13,9 +13,7 @@ struct VideoReadback {
   std::string codec;  // the decoder's name: h264, vp9, gif
   int width = 0, height = 0;
   int frames = 0;
-  double fps = 0;  // the stream's average frame rate
   ostrel::Image last;
-  ostrel::Image first;
 };
 
 VideoReadback readVideo(const std::string& path);

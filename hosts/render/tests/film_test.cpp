@@ -6,39 +6,17 @@
 #include <gtest/gtest.h>
 
 #include "GameRender.h"
-#include "VideoReadback.h"
 #include "ostrel/draughts.h"
 
 namespace {
 
 namespace draughts = ostrel::draughts;
-using render::FilmPly;
-using render::testing::meanDifference;
 
-struct Line {
-  render::Position start{};
-  std::vector<FilmPly> plies;
-  std::vector<int16_t> ends;
-};
-
-// The moves, written as in a game, played from the position by the kit's rules.
-Line lineOf(const char* fen, const std::vector<const char*>& moves) {
-  Line line;
-  auto position = draughts::parseFen(fen);
-  EXPECT_TRUE(position) << fen;
-  if (!position) return line;
-  line.start = render::codesOf(*position);
-  for (const char* written : moves) {
-    const auto legal = draughts::legalMoves(*position);
-    const auto match = draughts::matchMove(*position, legal, written);
-    EXPECT_TRUE(match.index) << written << ": " << match.error;
-    if (!match.index) return line;
-    const draughts::Move& move = legal[*match.index];
-    *position = draughts::play(*position, move);
-    line.plies.push_back({draughts::controlText(move), render::codesOf(*position)});
-    line.ends.push_back(static_cast<int16_t>(move.to()));
-  }
-  return line;
+// A game from the position, its moves written as in a PDN file, as the program plays it.
+render::GameLine lineOf(const char* fen, const std::string& moves) {
+  const auto file = draughts::readPdn("[FEN \"" + std::string(fen) + "\"]\n" + moves + " *");
+  EXPECT_TRUE(file.games.size() == 1 && !file.games[0].error) << fen << " " << moves;
+  return file.games.empty() ? render::GameLine{} : render::lineOf(file.games[0], SIZE_MAX);
 }
 
 struct Delivery {
@@ -62,7 +40,7 @@ class Film : public ::testing::Test {
   }
   void SetUp() override { ASSERT_TRUE(started_); }
 
-  std::vector<Delivery> play(const Line& line, render::FilmSettings settings) {
+  std::vector<Delivery> play(const render::GameLine& line, render::FilmSettings settings) {
     std::vector<Delivery> got;
     EXPECT_TRUE(render::playFilm(*board_, *platform_, line.start, line.plies, settings,
                                  [&](const ostrel::Image& picture, int frames) {
@@ -77,36 +55,29 @@ class Film : public ::testing::Test {
     return n;
   }
 
-  static ostrel::HeadlessPlatform* platform_;
-  static ostrel::ctlBoard* board_;
-  static bool started_;
+  inline static ostrel::HeadlessPlatform* platform_ = nullptr;
+  inline static ostrel::ctlBoard* board_ = nullptr;
+  inline static bool started_ = false;
 };
-
-ostrel::HeadlessPlatform* Film::platform_ = nullptr;
-ostrel::ctlBoard* Film::board_ = nullptr;
-bool Film::started_ = false;
 
 TEST_F(Film, EachMoveLastsItsOwnTimeAtTheFrameRate) {
   // At 25 fps a frame is 40 ms, and a piece covers 0.32 squares of its hop in it; the frame at
   // the end of a hop is never drawn, the landing is. Each pause shows the position after it.
   struct Case {
     const char* fen;
-    std::vector<const char*> moves;
+    const char* moves;
     int fps;
     double pause;
     int frames;
   } const cases[] = {
-      {"W:W31-50:B1-20", {}, 25, 0.2, 5},
-      {"W:W31-50:B1-20", {"32-28"}, 25, 0.2, 5 + (4 + 1) + 5},
-      {"W:W31-50:B1-20", {"32-28", "19-23"}, 25, 0.2, 5 + 10 + 10},
-      {"W:W31-50:B1-20", {"32-28"}, 20, 0.2, 4 + (3 + 1) + 4},    // 0.4 squares a frame
-      {"W:W38:B33,23", {"38x18"}, 25, 0.2, 5 + (7 + 7 + 1) + 5},  // two hops of two squares
-      {"W:WK46:B1", {"46-5"}, 25, 0.0, 1 + (29 + 1) + 1},  // nine squares; a pause of one frame
-      {"W:WK46:B1", {"46-5"}, 25, 1.0, 25 + 30 + 25},
+      {"W:W31-50:B1-20", "1. 32-28", 25, 0.2, 5 + (4 + 1) + 5},
+      {"W:W31-50:B1-20", "1. 32-28", 20, 0.2, 4 + (3 + 1) + 4},    // 0.4 squares a frame
+      {"W:W38:B33,23", "1. 38x18", 25, 0.2, 5 + (7 + 7 + 1) + 5},  // two hops of two squares
+      {"W:WK46:B1", "1. 46-5", 25, 0.0, 1 + (29 + 1) + 1},  // nine squares; a pause of one frame
+      {"W:WK46:B1", "1. 46-5", 25, 1.0, 25 + 30 + 25},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.fen) + " " + std::to_string(c.moves.size()) + " moves at " +
-                 std::to_string(c.fps) + " fps");
+    SCOPED_TRACE(std::string(c.fen) + " " + c.moves + " at " + std::to_string(c.fps) + " fps");
     render::FilmSettings settings;
     settings.fps = c.fps;
     settings.pauseSeconds = c.pause;
@@ -131,7 +102,7 @@ TEST_F(Film, TheHostsPositionFollowsEachLanding) {
   settings.pauseSeconds = 0.2;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.move);
-    const Line line = lineOf(c.fen, {c.move});
+    const render::GameLine line = lineOf(c.fen, std::string("1. ") + c.move);
     const auto got = play(line, settings);
     ASSERT_GE(got.size(), 4u);
     const ostrel::Image& landing = got[got.size() - 3].picture;
@@ -140,7 +111,7 @@ TEST_F(Film, TheHostsPositionFollowsEachLanding) {
     EXPECT_EQ(got.back().picture.rgba, after.rgba);
     EXPECT_EQ(landing.rgba != after.rgba, c.changesAfterLanding);
     const ostrel::Image still =
-        render::drawStill(*board_, *platform_, line.plies.back().after, line.ends.back());
+        render::drawStill(*board_, *platform_, line.plies.back().after, line.lastFields.back());
     EXPECT_EQ(after.rgba, still.rgba) << "the film ends on the last ply's picture";
     // The film opens on the start position without a mark.
     EXPECT_EQ(got.front().picture.rgba, render::drawStill(*board_, *platform_, line.start, 0).rgba);
@@ -161,7 +132,7 @@ TEST_F(Film, TheBuildUpComesFirst) {
   settings.intro = true;
   for (const Case& c : cases) {
     SCOPED_TRACE(c.fen);
-    const Line line = lineOf(c.fen, {});
+    const render::GameLine line = lineOf(c.fen, "");
     const auto got = play(line, settings);
     EXPECT_EQ(frames(got), c.introFrames + 5);
     const ostrel::Image still = render::drawStill(*board_, *platform_, line.start, 0);
@@ -173,7 +144,7 @@ TEST_F(Film, TheBuildUpComesFirst) {
 
 TEST_F(Film, ASinkThatFailsStopsTheFilm) {
   int calls = 0;
-  const Line line = lineOf("W:W31-50:B1-20", {"32-28", "19-23", "28x19"});
+  const render::GameLine line = lineOf("W:W31-50:B1-20", "1. 32-28 19-23 2. 28x19");
   render::FilmSettings settings;
   settings.fps = 25;
   const bool finished = render::playFilm(*board_, *platform_, line.start, line.plies, settings,
