@@ -22,9 +22,7 @@ using namespace output;
 using Words = std::vector<uint32_t>;
 
 Words W(std::initializer_list<int64_t> values) {
-  Words out;
-  for (int64_t v : values) out.push_back(static_cast<uint32_t>(v));
-  return out;
+  return Words(values.begin(), values.end());
 }
 
 // A metafile read back: its bytes and where each record starts, walked by the records' sizes.
