@@ -1,5 +1,5 @@
 // Checks of the shipped asset set in assets/models: the geometry and images of every model fit
-// where the control puts them. That each model and image loads is the start-up suite's check.
+// where the control puts them. That each model and image loads is the model-set case's check.
 
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
@@ -197,7 +197,7 @@ TEST(Assets, PiecesStackExactlyAndFitASquare) {
   ASSERT_EQ(white.w, 512);
   ASSERT_EQ(black.w, 512);
   // The middle of the top: ebony is dark but not black. How light and dark the men show is the
-  // start-up suite's check.
+  // reference frames' check.
   EXPECT_GT(black.grey(0.58, 0.5), 0.05);
 }
 

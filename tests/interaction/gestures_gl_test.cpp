@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <sstream>
+#include <regex>
 
 #include "ostrel/notation.h"
 #include "support/LiveBoard.h"
@@ -47,13 +47,7 @@ struct Board : LiveBoard {
 
 // The lines without their numbers: the order of the events and the flags.
 Lines shape(Lines lines) {
-  for (std::string& line : lines) {
-    std::istringstream words(line);
-    line.clear();
-    for (std::string w; words >> w;)
-      if (w.find_first_not_of("-0123456789") != std::string::npos)
-        line += (line.empty() ? "" : " ") + w;
-  }
+  for (std::string& line : lines) line = std::regex_replace(line, std::regex(" -?[0-9]+"), "");
   return lines;
 }
 

@@ -22,9 +22,7 @@ using namespace output;
 using Words = std::vector<uint32_t>;
 
 Words W(std::initializer_list<int64_t> values) {
-  Words out;
-  for (int64_t v : values) out.push_back(static_cast<uint32_t>(v));
-  return out;
+  return Words(values.begin(), values.end());
 }
 
 // A metafile read back: its bytes and where each record starts, walked by the records' sizes.
@@ -166,11 +164,8 @@ TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
   for (const std::string& name : {std::string(), dir / "no/such.emf", dir.path()}) {
     board.screenDump(name);
   }
-  // 96 * 50700 / 1920 = 2535, 64 * 28500 / 1080 = 1688.9
-  board.screenDump(dir / "before.emf");  // no device: whatever the window shows
-  expectDump(dir / "before.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
-             p.screenMetrics());
-  // The window shows the back colour, as blue, green, red in the bitmap.
+  // No device: the window shows the back colour, as blue, green, red in the bitmap.
+  board.screenDump(dir / "before.emf");
   EXPECT_EQ(readEmf(dir / "before.emf")->words(260, 1), W({0x99336699}));
   EXPECT_EQ(entries(dir), 1);
   EXPECT_TRUE(p.messages().empty());
@@ -181,6 +176,7 @@ TEST(ScreenDump, ControlDumpsAFreshFrameAndGoesOnAfterBadNames) {
   board.screenDump(dir / "frame.emf");
   EXPECT_EQ(p.presentCount(), presents + 1);
   EXPECT_EQ(seen, std::vector<bool>{false});  // the frame is reported before the file
+  // 96 * 50700 / 1920 = 2535, 64 * 28500 / 1080 = 1688.9
   expectDump(dir / "frame.emf", p.windowImage(), {0, 0, 96, 64}, {0, 0, 2535, 1689},
              p.screenMetrics());
 }

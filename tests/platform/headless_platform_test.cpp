@@ -11,12 +11,9 @@ namespace {
 
 using ostrel::HeadlessPlatform;
 
-TEST(HeadlessPlatform, ManualClocksMoveTogetherAndWrap) {
+// How the two clocks move together is the manual-clock case of the hardening suite.
+TEST(HeadlessPlatform, ManualClocksWrap) {
   HeadlessPlatform platform;
-  platform.useManualClock(1000, 3600.0f);
-  platform.advance(250);
-  EXPECT_EQ(platform.timeGetTime(), 1250);
-  EXPECT_FLOAT_EQ(platform.Timer(), 3600.25f);
   // Timer wraps at midnight, the millisecond counter like a 32-bit one.
   platform.useManualClock(2147483000, 86399.9f);
   platform.advance(1000);

@@ -97,40 +97,35 @@ TEST(QtBoardWidget, ShowsTheStatusFrameAndTakesKeysAndOddSizes) {
 }
 
 TEST(QtBoardWidget, DestroyedDuringADragAMoveAndTheFallingPieces) {
-  {  // In the middle of a drag.
+  for (const std::string when : {"drag", "move", "fall"}) {
+    SCOPED_TRACE(when);
     QtBoard b;
     ASSERT_TRUE(b.started);
     openingPosition(b.board());
-    const Blob source = b.pieceBlob(32);
-    QTest::mousePress(b.widget, Qt::LeftButton, Qt::NoModifier, b.at(source));
-    QTest::qWait(20);
-    QTest::mouseMove(b.widget, b.at(source) + QPoint(10, -10));
-    ASSERT_TRUE(b.board().gesture().draggingPiece);
-    delete b.widget.data();
-    EXPECT_TRUE(b.widget.isNull());
-  }
-  {  // While a move plays: the host lets the window system in from afterDraw, and the window is
-     // closed then; the widget goes once the move has returned.
-    QtBoard b;
-    ASSERT_TRUE(b.started);
-    openingPosition(b.board());
-    b.widget->setAttribute(Qt::WA_DeleteOnClose);
-    int frames = 0;
-    b.events->onAfterDraw = [&] {
-      if (++frames == 1) b.widget->close();
-      QApplication::processEvents();
-    };
-    b.board().showMove("32-28");
-    EXPECT_GE(frames, 2) << "frames drawn after the close";
-    EXPECT_FALSE(b.widget.isNull()) << "not while the move was under way";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return b.widget.isNull(); }, 2000));
-  }
-  {  // Between two steps of the falling pieces.
-    QtBoard b;
-    ASSERT_TRUE(b.started);
-    openingPosition(b.board());
-    b.board().initAnimation();
-    for (double t = 0.2; t < 1.0; t += 0.2) b.board().animation(t);
+    if (when == "drag") {  // in the middle of a drag
+      const Blob source = b.pieceBlob(32);
+      QTest::mousePress(b.widget, Qt::LeftButton, Qt::NoModifier, b.at(source));
+      QTest::qWait(20);
+      QTest::mouseMove(b.widget, b.at(source) + QPoint(10, -10));
+      ASSERT_TRUE(b.board().gesture().draggingPiece);
+    } else if (when == "move") {
+      // While a move plays: the host lets the window system in from afterDraw, and the window is
+      // closed then; the widget goes once the move has returned.
+      b.widget->setAttribute(Qt::WA_DeleteOnClose);
+      int frames = 0;
+      b.events->onAfterDraw = [&] {
+        if (++frames == 1) b.widget->close();
+        QApplication::processEvents();
+      };
+      b.board().showMove("32-28");
+      EXPECT_GE(frames, 2) << "frames drawn after the close";
+      EXPECT_FALSE(b.widget.isNull()) << "not while the move was under way";
+      EXPECT_TRUE(QTest::qWaitFor([&] { return b.widget.isNull(); }, 2000));
+      continue;
+    } else {  // between two steps of the falling pieces
+      b.board().initAnimation();
+      for (double t = 0.2; t < 1.0; t += 0.2) b.board().animation(t);
+    }
     delete b.widget.data();
     EXPECT_TRUE(b.widget.isNull());
   }

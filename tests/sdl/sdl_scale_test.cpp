@@ -32,8 +32,7 @@ TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasRel
   EXPECT_FLOAT_EQ(board.pic().Width, kSide * 15 / scale);
   int w = 0, h = 0;
   window.pictureSize(w, h);
-  EXPECT_EQ(w, kSide);
-  EXPECT_EQ(h, kSide);
+  EXPECT_EQ(std::pair(w, h), std::pair(kSide, kSide));
   EXPECT_EQ(window.windowImage().width, kSide);
 
   // Window coordinates of a device pixel.
@@ -57,11 +56,7 @@ TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasRel
 
   // A drag from 32 to 28, pressed and released where the pieces are drawn.
   const Blob source = manShown(board, frame, 32), target = manShown(board, frame, 28);
-  board.field(31, 2);
-  board.clearMoveList();
-  board.addMoveList("32-28");
-  board.addMoveList("32-27");
-  board.drawBoard();
+  openingPosition(board);
   events.take();
   driver.handle(sdlButton(SDL_MOUSEBUTTONDOWN, id, source.x * toWindow, source.y * toWindow,
                           SDL_BUTTON_LEFT));
@@ -75,7 +70,7 @@ TEST_P(SdlScale, PicturesAtDevicePixelsAndPicksEveryFieldAndTheDropWhereItWasRel
   driver.handle(
       sdlButton(SDL_MOUSEBUTTONUP, id, target.x * toWindow, target.y * toWindow, SDL_BUTTON_LEFT));
   const Lines lines = events.take();
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "moveDone 0 32-28"), lines.end());
+  EXPECT_NE(std::find(lines.begin(), lines.end(), "moveDone 2 32-28"), lines.end());
   EXPECT_EQ(events.field, 28);
   EXPECT_EQ(board.field(27), 2);
   EXPECT_EQ(board.field(31), 0);

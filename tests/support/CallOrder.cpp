@@ -13,20 +13,16 @@
 #include "ostrel/ostrel.h"
 #include "support/HostilePlatform.h"
 #include "support/HostileValues.h"
+#include "support/LiveBoard.h"
 #include "support/TempFolder.h"
 
 namespace ostrel::testing {
 
 void CallOrderFigures::add(const CallOrderFigures& o) {
-  operations += o.operations;
-  nestedCalls += o.nestedCalls;
-  controlsMade += o.controlsMade;
-  inits += o.inits;
-  initsTrue += o.initsTrue;
-  frames += o.frames;
-  movesDone += o.movesDone;
-  deviceErrors += o.deviceErrors;
-  messageBoxes += o.messageBoxes;
+  using F = CallOrderFigures;
+  for (auto count : {&F::operations, &F::nestedCalls, &F::controlsMade, &F::inits, &F::initsTrue,
+                     &F::frames, &F::movesDone, &F::deviceErrors, &F::messageBoxes})
+    this->*count += o.*count;
   findings.insert(findings.end(), o.findings.begin(), o.findings.end());
 }
 
@@ -41,11 +37,20 @@ constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
 
 class World;
 
-// The host's handlers: they keep the expected field array in step with accepted drops, check what
-// an event may say, and now and then call back into any control.
-class Handlers : public ctlBoardEvents {
- public:
-  Handlers(World& world, size_t slot) : world_(world), slot_(slot) {}
+// A control with its platform, and the host's handlers for it: they keep the expected field array
+// in step with accepted drops, check what an event may say, and now and then call back into any
+// control.
+struct Slot : ctlBoardEvents {
+  World* world = nullptr;
+  std::unique_ptr<HostilePlatform> platform;
+  std::unique_ptr<ctlBoard> board;
+  std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
+  std::vector<std::string> moves;             // what the move list must hold
+  bool started = false;                       // the last init of this control answered true
+  bool everStarted = false;                   // one of its inits did
+  int busy = 0;                               // calls of this control on the stack
+  size_t boxesSeen = 0;
+
   void afterDraw(float& frameTime) override;
   void mouseDown(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
   void mouseMove(int16_t&, int16_t&, float& x, float& y, int16_t& f) override { mouse(x, y, f); }
@@ -53,28 +58,14 @@ class Handlers : public ctlBoardEvents {
   void moveDone(int16_t& moveIndex, std::string& move) override;
   void afterUserRotation() override;
   void KeyDown(int16_t&, int16_t&) override;
-
- private:
   void mouse(float x, float y, int16_t field);
-  World& world_;
-  size_t slot_;
-};
-
-struct Slot {
-  std::unique_ptr<HostilePlatform> platform;
-  std::unique_ptr<ctlBoard> board;
-  std::unique_ptr<Handlers> handlers;
-  std::array<int16_t, kFieldSlots> fields{};  // what field() must answer
-  std::vector<std::string> moves;             // what the move list must hold
-  bool started = false;                       // the last init of this control answered true
-  bool everStarted = false;                   // one of its inits did
-  int busy = 0;                               // calls of this control on the stack
-  size_t boxesSeen = 0;
 };
 
 class World : private HostileValues {
  public:
-  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {}
+  World(uint32_t seed, CallOrderFigures& figures) : HostileValues(seed), seed_(seed), f_(figures) {
+    for (Slot& s : slots_) s.world = this;
+  }
   ~World() {
     for (Slot& s : slots_) endControl(s);
     for (Slot& s : slots_) s.platform.reset();
@@ -93,7 +84,6 @@ class World : private HostileValues {
   }
 
   // --- What the handlers use. ---
-  Slot& slot(size_t i) { return slots_[i]; }
   bool deviceMayExist() const { return deviceMayExist_; }
   CallOrderFigures& figures() { return f_; }
   void finding(const std::string& what) {
@@ -128,8 +118,7 @@ class World : private HostileValues {
       s.boxesSeen = 0;
     }
     s.board = std::make_unique<ctlBoard>(*s.platform);
-    s.handlers = std::make_unique<Handlers>(*this, static_cast<size_t>(&s - slots_.data()));
-    s.board->setEventSink(s.handlers.get());
+    s.board->setEventSink(&s);
     s.fields.fill(0);
     s.moves.clear();
     s.started = s.everStarted = false;
@@ -138,7 +127,6 @@ class World : private HostileValues {
   void endControl(Slot& s) {
     if (!s.board || s.busy) return;
     s.board.reset();
-    s.handlers.reset();
     deviceMayExist_ = false;  // the end of any control drops the thread's device
   }
   void endPlatform(Slot& s) {
@@ -167,13 +155,9 @@ class World : private HostileValues {
   void operation() {
     Slot& s = slots_[static_cast<size_t>(pick(kSlots))];
     if (!s.board) {
-      if (!s.platform || chance(0.7)) {
-        remember("make control");
-        makeControl(s);
-      } else {
-        remember("end platform");
-        endPlatform(s);
-      }
+      const bool make = !s.platform || chance(0.7);
+      remember(make ? "make control" : "end platform");
+      make ? makeControl(s) : endPlatform(s);
       return;
     }
     ++depth_;
@@ -229,18 +213,9 @@ class World : private HostileValues {
       std::function<void()> run;
     };
     const auto setPosition = [&] {
-      for (int i = 0; i < 50; ++i) {
-        const int16_t code = i < 20 ? 3 : (i >= 30 ? 2 : 0);
-        b.field(static_cast<int16_t>(i), code);
-        s.fields[static_cast<size_t>(i)] = code;
-      }
-      b.clearMoveList();
-      s.moves.clear();
-      for (const char* m : {"31-27", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"}) {
-        b.addMoveList(m);
-        s.moves.push_back(m);
-      }
-      b.drawBoard();
+      openingPosition(b);
+      for (size_t i = 0; i < 50; ++i) s.fields[i] = b.field(static_cast<int16_t>(i));
+      s.moves.assign(kOpeningMoves.begin(), kOpeningMoves.end());
       // The control's own view, so that drags find the fields.
       b.rotationHorizontalAxis(1.5707951f);
       b.rotationVerticalAxis(-3.14159f);
@@ -248,7 +223,7 @@ class World : private HostileValues {
       p.resizeControl(64, 48);
     };
     // The order and the weights decide which entry a seed's draw picks, so that a finding's seed
-    // reproduces it: new entries go at the end. (Setting a position stands at three places.)
+    // reproduces it: new entries go at the end.
     const Entry entries[] = {
         {1, "end control", false, [&] { endControl(s); }},
         {1, "init", false, [&] { loads_ = Loads::own, init(s); }},
@@ -309,7 +284,7 @@ class World : private HostileValues {
         {1, "Paint", true, [&] { b.Paint(); }},
         {2, "Timer1_Timer", true, [&] { b.Timer1_Timer(); }},
         {6, nullptr, false, [&] { mouse(s); }},
-        {3, nullptr, false, [&] { drag(s); }},
+        {5, nullptr, false, [&] { drag(s); }},
         {1, "pic_KeyDown", true, [&] { b.pic_KeyDown(chance(0.5) ? 27 : anyInt16(), anyInt16()); }},
         {2, "advance clock", false,
          [&] {
@@ -323,9 +298,7 @@ class World : private HostileValues {
          }},
         {1, "lose context", false, [&] { p.loseContextAfter(pick(8)); }},
         {1, "context back", false, [&] { p.contextLost = false; }},
-        {1, "set a position", false, setPosition},
-        {2, nullptr, false, [&] { drag(s); }},
-        {2, "set a position", false, setPosition},
+        {4, "set a position", false, setPosition},
         {1, "host-made mesh", false,
          [&] {
            loads_ = Loads::unknown;
@@ -333,7 +306,6 @@ class World : private HostileValues {
                           anyImage(), chance(0.5) ? Variant() : Variant(anyDouble()));
            hostMesh_.Translate(anyFloat(), anyFloat(), anyFloat(), anyFloat());
          }},
-        {1, "set a position", false, setPosition},
     };
     int total = 0;
     for (const Entry& e : entries) total += e.weight;
@@ -347,13 +319,6 @@ class World : private HostileValues {
     }
   }
 
-  // Where the last frame shows a field, in twips; false while there is no device.
-  static bool fieldOnScreen(ctlBoard& board, int16_t field, float& x, float& y) {
-    return field >= 1 && field <= 50 &&
-           interaction::fieldToScreen(controlState(board), field, x, y) && std::isfinite(x) &&
-           std::isfinite(y);
-  }
-
   // A listed move carried from its first field to its last, as a user would.
   void drag(Slot& s) {
     drawing_ = true;
@@ -365,8 +330,12 @@ class World : private HostileValues {
     const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
     const int32_t n = countTokens(move, "-");
     float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    // Where the last frame shows a field, in twips; false while there is no device.
     const auto ends = [&](int16_t token, float& x, float& y) {
-      return fieldOnScreen(*s.board, tokenValue(getToken(move, "-", token, token)), x, y);
+      const int16_t field = tokenValue(getToken(move, "-", token, token));
+      return field >= 1 && field <= 50 &&
+             interaction::fieldToScreen(controlState(*s.board), field, x, y) && std::isfinite(x) &&
+             std::isfinite(y);
     };
     if (!ends(1, x0, y0) || !ends(static_cast<int16_t>(n), x1, y1)) return;
     HostilePlatform& p = *s.platform;
@@ -388,17 +357,13 @@ class World : private HostileValues {
     const float x = coordinate(s.board->pic().Width), y = coordinate(s.board->pic().Height);
     const int16_t button = chance(0.9) ? static_cast<int16_t>(among({1, 1, 1, 2, 4})) : anyInt16();
     if (chance(0.6)) s.platform->advance(20);  // past the time gate
-    switch (pick(3)) {
-      case 0:
-        remember("pic_MouseDown"), s.board->pic_MouseDown(button, anyInt16(), x, y);
-        return;
-      case 1:
-        remember("pic_MouseMove"), s.board->pic_MouseMove(button, 0, x, y);
-        return;
-      default:
-        remember("pic_MouseUp"), s.board->pic_MouseUp(button, 0, x, y);
-        return;
-    }
+    using Event = void (ctlBoard::*)(int16_t, int16_t, float, float);
+    const std::pair<const char*, Event> events[] = {{"pic_MouseDown", &ctlBoard::pic_MouseDown},
+                                                    {"pic_MouseMove", &ctlBoard::pic_MouseMove},
+                                                    {"pic_MouseUp", &ctlBoard::pic_MouseUp}};
+    const auto& [name, event] = among(events);
+    remember(name);
+    (s.board.get()->*event)(button, chance(0.5) ? 0 : anyInt16(), x, y);
   }
 
   // --- The invariants. ---
@@ -414,10 +379,8 @@ class World : private HostileValues {
       if (i >= 0 && i < kFieldSlots) s.fields[static_cast<size_t>(i)] = actual;
     }
     const MoveList& list = b.moves();
-    bool sameMoves = list.moveCount == static_cast<int16_t>(s.moves.size());
-    for (size_t i = 0; sameMoves && i < s.moves.size(); ++i)
-      sameMoves = list.moveList[i] == s.moves[i];
-    if (!sameMoves)
+    if (list.moveCount != static_cast<int16_t>(s.moves.size()) ||
+        !std::equal(s.moves.begin(), s.moves.end(), std::begin(list.moveList)))
       finding("the move list holds " + std::to_string(list.moveCount) + " moves, not the " +
               std::to_string(s.moves.size()) + " added");
     const float d = b.viewingDistance();
@@ -449,76 +412,70 @@ class World : private HostileValues {
   bool drawing_ = false;
   // What the running top-level entry loads: nothing, models of its own control, or a mesh of
   // the host's whose box goes wherever the thread's last init lives.
-  enum class Loads {
-    nothing,
-    own,
-    unknown
-  } loads_ = Loads::nothing;  // the running entry may meet a device failure
+  enum class Loads { nothing, own, unknown } loads_ = Loads::nothing;
   int depth_ = 0;
   int op_ = 0;
   std::string lastName_;
 };
 
-void Handlers::afterDraw(float& frameTime) {
-  ++world_.figures().frames;
-  if (!world_.deviceMayExist()) world_.finding("afterDraw with no device on the thread");
-  if (!std::isfinite(frameTime)) world_.finding("frameTime is not finite");
-  world_.maybeCallBack();
+void Slot::afterDraw(float& frameTime) {
+  ++world->figures().frames;
+  if (!world->deviceMayExist()) world->finding("afterDraw with no device on the thread");
+  if (!std::isfinite(frameTime)) world->finding("frameTime is not finite");
+  world->maybeCallBack();
 }
 
-void Handlers::mouse(float x, float y, int16_t field) {
+void Slot::mouse(float x, float y, int16_t field) {
   if (!std::isfinite(x) || !std::isfinite(y))
-    world_.finding("a mouse event reports no board point");
+    world->finding("a mouse event reports no board point");
   if (field < -1 || field > 50)
-    world_.finding("a mouse event reports field " + std::to_string(field));
-  world_.maybeCallBack();
+    world->finding("a mouse event reports field " + std::to_string(field));
+  world->maybeCallBack();
 }
 
 // The control moved the code from the drag's source to one field: the expected array follows,
 // and nothing else may have changed.
-void Handlers::moveDone(int16_t& moveIndex, std::string& move) {
-  ++world_.figures().movesDone;
-  Slot& s = world_.slot(slot_);
-  const ctlBoard& b = *s.board;
+void Slot::moveDone(int16_t& moveIndex, std::string& move) {
+  ++world->figures().movesDone;
+  const ctlBoard& b = *board;
   // The index is the one recorded when the drag began: a handler may have emptied the list
   // since, and the slot still holds the move that was offered.
   if (moveIndex < 0 || static_cast<size_t>(moveIndex) >= kMaxMoves ||
       &move != &b.moves().moveList[static_cast<size_t>(moveIndex)]) {
-    world_.finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
+    world->finding("moveDone with index " + std::to_string(moveIndex) + " and another move");
   }
   const auto source = static_cast<size_t>(b.gesture().dragSource);
   if (source >= 50) {
-    world_.finding("moveDone from slot " + std::to_string(source));
+    world->finding("moveDone from slot " + std::to_string(source));
     return;
   }
-  const int16_t code = s.fields[source];
+  const int16_t code = fields[source];
   int changed = 0;
   std::array<int16_t, kFieldSlots> now{};
   for (size_t i = 0; i < now.size(); ++i) now[i] = b.field(static_cast<int16_t>(i));
   for (size_t i = 0; i < now.size(); ++i) {
-    if (i == source || now[i] == s.fields[i]) continue;
+    if (i == source || now[i] == fields[i]) continue;
     ++changed;
     if (now[i] != code)
-      world_.finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
+      world->finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
   }
   // A move that ends on its source (a king's circular capture) leaves the piece where it was.
   const int32_t hops = countTokens(move, "-");
   const bool circular =
       static_cast<size_t>(tokenValue(getToken(move, "-", hops, hops)) - 1) == source;
   if (now[source] != (circular ? code : 0) || changed > (circular ? 0 : 1))
-    world_.finding("moveDone of " + move + " changed more than a move");
-  s.fields = now;
-  world_.maybeCallBack();
+    world->finding("moveDone of " + move + " changed more than a move");
+  fields = now;
+  world->maybeCallBack();
 }
 
-void Handlers::afterUserRotation() {
-  if (!world_.slot(slot_).board->gesture().rotatingBoard)
-    world_.finding("afterUserRotation after the rotation ended");
-  world_.maybeCallBack();
+void Slot::afterUserRotation() {
+  if (!board->gesture().rotatingBoard) world->finding("afterUserRotation after the rotation ended");
+  world->maybeCallBack();
 }
 
-void Handlers::KeyDown(int16_t&, int16_t&) {
-  world_.maybeCallBack();
+void Slot::KeyDown(int16_t&, int16_t&) {
+  world->maybeCallBack();
 }
 
 }  // namespace

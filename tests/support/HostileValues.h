@@ -49,24 +49,9 @@ class HostileValues {
   }
   std::string anyField() { return std::to_string(pick(56) - 2); }
   std::string anyMove() {
-    static const char* odd[] = {"",
-                                "-",
-                                "--",
-                                "x",
-                                "1-",
-                                "-1",
-                                "32-",
-                                "abc",
-                                "1x2x",
-                                "0-0",
-                                "99999999999-1",
-                                "32-28|19-23",
-                                " 32 - 28 ",
-                                "1-50-1-50",
-                                "\x01\xff-\x80",
-                                "32x28",
-                                "K46-5"};
-    if (chance(0.2)) return among(odd);
+    if (chance(0.2))
+      return among({"", "-", "--", "x", "1-", "-1", "32-", "abc", "1x2x", "0-0", "99999999999-1",
+                    "32-28|19-23", " 32 - 28 ", "1-50-1-50", "\x01\xff-\x80", "32x28", "K46-5"});
     std::string move = anyField();
     for (int hops = 1 + pick(3); hops > 0; --hops) move += (chance(0.7) ? "-" : "x") + anyField();
     return move;
@@ -82,20 +67,13 @@ class HostileValues {
                   "../models/hl.png", "models/", "shadow2.png", "board.x"});
   }
   Variant anyVariant() {
-    switch (pick(6)) {
-      case 0:
-        return Variant();
-      case 1:
-        return Variant(chance(0.5));
-      case 2:
-        return Variant(static_cast<int64_t>(anyInt32()));
-      case 3:
-        return Variant(anyDouble());
-      case 4:
-        return Variant(anyMove());
-      default:
-        return Variant(among({"50", "nan", "inf", "-1e999", "1e999", "True", "30abc"}));
-    }
+    const int kind = pick(6);
+    if (kind == 0) return Variant();
+    if (kind == 1) return Variant(chance(0.5));
+    if (kind == 2) return Variant(static_cast<int64_t>(anyInt32()));
+    if (kind == 3) return Variant(anyDouble());
+    if (kind == 4) return Variant(anyMove());
+    return Variant(among({"50", "nan", "inf", "-1e999", "1e999", "True", "30abc"}));
   }
 
  protected:

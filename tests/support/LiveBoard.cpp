@@ -75,8 +75,7 @@ Blob manShown(ctlBoard& board, const std::function<Image()>& frame, int field) {
 void openingPosition(ctlBoard& board) {
   for (int16_t slot = 0; slot < 50; ++slot) board.field(slot, slot < 20 ? 3 : slot >= 30 ? 2 : 0);
   board.clearMoveList();
-  for (const char* m : {"31-27", "31-26", "32-28", "32-27", "33-29", "33-28", "34-30", "34-29"})
-    board.addMoveList(m);
+  for (const char* m : kOpeningMoves) board.addMoveList(m);
   board.drawBoard();
 }
 

@@ -2,6 +2,7 @@
 // A control started on the real offscreen device with the shipped assets, a manual clock and a
 // recorder of its events; and what the rendered picture shows of a field or a piece.
 
+#include <array>
 #include <functional>
 #include <string>
 #include <utility>
@@ -28,6 +29,8 @@ Blob markerShown(ctlBoard& board, const std::function<Image()>& frame, int field
 Blob manShown(ctlBoard& board, const std::function<Image()>& frame, int field);
 
 // The start of a game with the first moves of white on offer, drawn.
+inline constexpr std::array<const char*, 8> kOpeningMoves = {"31-27", "31-26", "32-28", "32-27",
+                                                             "33-29", "33-28", "34-30", "34-29"};
 void openingPosition(ctlBoard& board);
 
 struct LiveBoard {
@@ -46,13 +49,10 @@ struct LiveBoard {
   void setPosition(const std::vector<std::pair<int, int>>& pieces,
                    const std::vector<std::string>& moves = {});
   // Where the view draws a field's marker, or a white man on a field.
-  Blob fieldBlob(int field) {
-    return markerShown(
-        board, [this] { return frame(); }, field);
-  }
-  Blob pieceBlob(int field) {
-    return manShown(
-        board, [this] { return frame(); }, field);
+  Blob fieldBlob(int field) { return markerShown(board, frames(), field); }
+  Blob pieceBlob(int field) { return manShown(board, frames(), field); }
+  std::function<Image()> frames() {
+    return [this] { return frame(); };
   }
   // Mouse events at a pixel, each after the time gate has opened.
   void down(int16_t button, double x, double y) { mouse(&ctlBoard::pic_MouseDown, button, x, y); }
