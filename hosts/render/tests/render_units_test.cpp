@@ -89,6 +89,16 @@ TEST(GifPalette, FewColoursAreKeptExactlyAndManyAreNear) {
       picture(40, 40, [](int x, int y) { return 0x102030u * uint32_t((x / 5 + y / 5) % 8); });
   EXPECT_EQ(throughPalette(few, colours).rgba, few.rgba);
   EXPECT_EQ(colours, 8);
+  // Colours apart in one channel only: each channel counts in the search for the nearest.
+  using Colour = uint32_t (*)(int, int);
+  for (const Colour apartIn :
+       {Colour([](int x, int y) { return 0x101010u + 0x200000u * uint32_t((x / 5 + y / 5) % 8); }),
+        Colour([](int x, int y) { return 0x101010u + 0x002000u * uint32_t((x / 5 + y / 5) % 8); }),
+        Colour(
+            [](int x, int y) { return 0x101010u + 0x000020u * uint32_t((x / 5 + y / 5) % 8); })}) {
+    const ostrel::Image apart = picture(40, 40, apartIn);
+    EXPECT_EQ(throughPalette(apart, colours).rgba, apart.rgba);
+  }
   const ostrel::Image many = picture(128, 128, gradient);
   const double error = meanDifference(throughPalette(many, colours), many);
   EXPECT_EQ(colours, 256);
