@@ -35,6 +35,12 @@ constexpr int kFieldSlots = 51;
 constexpr size_t kMaxMoves = 256;
 constexpr int32_t kDeviceLost = static_cast<int32_t>(0x88760868u);
 
+// The field a listed move names first (token 1) or last (token 0).
+int16_t fieldOf(const std::string& move, int32_t token) {
+  const auto at = static_cast<int16_t>(token > 0 ? token : countTokens(move, "-"));
+  return tokenValue(getToken(move, "-", at, at));
+}
+
 class World;
 
 // A control with its platform, and the host's handlers for it: they keep the expected field array
@@ -328,16 +334,15 @@ class World : private HostileValues {
     // A handler of that frame may have ended the control or emptied its list.
     if (!s.board || s.moves.empty()) return;
     const std::string& move = s.moves[static_cast<size_t>(pick(static_cast<int>(s.moves.size())))];
-    const int32_t n = countTokens(move, "-");
     float x0 = 0, y0 = 0, x1 = 0, y1 = 0;
     // Where the last frame shows a field, in twips; false while there is no device.
-    const auto ends = [&](int16_t token, float& x, float& y) {
-      const int16_t field = tokenValue(getToken(move, "-", token, token));
+    const auto ends = [&](int32_t token, float& x, float& y) {
+      const int16_t field = fieldOf(move, token);
       return field >= 1 && field <= 50 &&
              interaction::fieldToScreen(controlState(*s.board), field, x, y) && std::isfinite(x) &&
              std::isfinite(y);
     };
-    if (!ends(1, x0, y0) || !ends(static_cast<int16_t>(n), x1, y1)) return;
+    if (!ends(1, x0, y0) || !ends(0, x1, y1)) return;
     HostilePlatform& p = *s.platform;
     ctlBoard* b = s.board.get();
     p.advance(20);
@@ -460,9 +465,7 @@ void Slot::moveDone(int16_t& moveIndex, std::string& move) {
       world->finding("moveDone wrote " + std::to_string(now[i]) + " for " + std::to_string(code));
   }
   // A move that ends on its source (a king's circular capture) leaves the piece where it was.
-  const int32_t hops = countTokens(move, "-");
-  const bool circular =
-      static_cast<size_t>(tokenValue(getToken(move, "-", hops, hops)) - 1) == source;
+  const bool circular = static_cast<size_t>(fieldOf(move, 0) - 1) == source;
   if (now[source] != (circular ? code : 0) || changed > (circular ? 0 : 1))
     world->finding("moveDone of " + move + " changed more than a move");
   fields = now;
