@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 
 #include "GameOptions.h"
 #include "GifPalette.h"
@@ -22,7 +23,7 @@ namespace fs = std::filesystem;
 using render::testing::meanDifference;
 using render::testing::readPng;
 
-ostrel::Image picture(int width, int height, uint32_t (*colour)(int x, int y)) {
+ostrel::Image picture(int width, int height, const std::function<uint32_t(int x, int y)>& colour) {
   ostrel::Image image;
   image.width = width;
   image.height = height;
@@ -90,14 +91,10 @@ TEST(GifPalette, FewColoursAreKeptExactlyAndManyAreNear) {
   EXPECT_EQ(throughPalette(few, colours).rgba, few.rgba);
   EXPECT_EQ(colours, 8);
   // Colours apart in one channel only: each channel counts in the search for the nearest.
-  using Colour = uint32_t (*)(int, int);
-  for (const Colour apartIn :
-       {Colour([](int x, int y) { return 0x101010u + 0x200000u * uint32_t((x / 5 + y / 5) % 8); }),
-        Colour([](int x, int y) { return 0x101010u + 0x002000u * uint32_t((x / 5 + y / 5) % 8); }),
-        Colour(
-            [](int x, int y) { return 0x101010u + 0x000020u * uint32_t((x / 5 + y / 5) % 8); })}) {
-    const ostrel::Image apart = picture(40, 40, apartIn);
-    EXPECT_EQ(throughPalette(apart, colours).rgba, apart.rgba);
+  for (const uint32_t step : {0x200000u, 0x002000u, 0x000020u}) {
+    const ostrel::Image apart = picture(
+        40, 40, [step](int x, int y) { return 0x101010u + step * uint32_t((x / 5 + y / 5) % 8); });
+    EXPECT_EQ(throughPalette(apart, colours).rgba, apart.rgba) << std::hex << step;
   }
   const ostrel::Image many = picture(128, 128, gradient);
   const double error = meanDifference(throughPalette(many, colours), many);
